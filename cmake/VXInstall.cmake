@@ -1,0 +1,29 @@
+# Install contract: headers under <prefix>/include/vxcommon with their folder paths, the library
+# under <prefix>/lib, a CMake package config and a pkg-config file.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS vxcommon EXPORT VXCommonTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(FILES vxcommon.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vxcommon)
+foreach(dir IN LISTS VX_SUBSYSTEMS)
+  install(DIRECTORY ${dir}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vxcommon/${dir}
+          FILES_MATCHING PATTERN "*.h")
+endforeach()
+install(DIRECTORY data/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vxcommon OPTIONAL)
+
+install(EXPORT VXCommonTargets NAMESPACE VXCommon::
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/VXCommon)
+configure_package_config_file(cmake/VXCommonConfig.cmake.in
+  ${CMAKE_CURRENT_BINARY_DIR}/VXCommonConfig.cmake
+  INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/VXCommon)
+write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/VXCommonConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/VXCommonConfig.cmake
+              ${CMAKE_CURRENT_BINARY_DIR}/VXCommonConfigVersion.cmake
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/VXCommon)
+
+configure_file(cmake/vxcommon.pc.in ${CMAKE_CURRENT_BINARY_DIR}/vxcommon.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vxcommon.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,39 @@
+// ISerObject, the root of everything that goes into an archive, and CSerObject, which gives its
+// virtual operations an empty default.
+#pragma once
+
+#include "platform/Object.h"
+
+namespace vx {
+
+class CArchiveX;
+class CArchiveB;
+class CRuntimeCreator;
+class CVXString;
+
+class ISerObject {
+public:
+    virtual ~ISerObject() = default;
+    virtual void SerializeX(CArchiveX &ar) = 0;
+    virtual void SerializeB(CArchiveB &ar) = 0;
+    // The creator of the most derived class; null for classes without one.
+    virtual const CRuntimeCreator *RuntimeCreator() const = 0;
+
+    // The named form: saves or loads this object as the element `name` of the XML archive.
+    void SerializeX(const CVXString &name, CArchiveX &ar);
+};
+
+class CSerObject : public ISerObject {
+public:
+    void SerializeX(CArchiveX &) override {}
+    void SerializeB(CArchiveB &) override {}
+    const CRuntimeCreator *RuntimeCreator() const override { return nullptr; }
+    virtual void Dump(CDumpContext &dc) const;
+
+    using ISerObject::SerializeX;
+    // True when this object's creator is `creator` or (by the registry's class tree) derives
+    // from it. Without a creator of its own an object is of no registered kind.
+    bool IsKindOf(const CRuntimeCreator *creator) const;
+};
+
+} // namespace vx

@@ -1,0 +1,33 @@
+// The stand-in for message boxes and dialogs: an interface the host may install. Without a host,
+// messages go to the log, questions answer Cancel, and the user never asks to break off.
+#pragma once
+
+namespace vx {
+
+class CVXString;
+
+class IUserPrompt {
+public:
+    enum { IDCANCEL = 2, IDRETRY = 4 };
+    enum Icon { IconInformation = 0x40, IconWarning = 0x30, IconError = 0x10, IconQuestion = 0x20 };
+    virtual ~IUserPrompt() = default;
+    // A box with Retry and Cancel: returns 4 (IDRETRY) or 2 (IDCANCEL).
+    virtual int AskRetryCancel(const CVXString &text) = 0;
+    virtual void ShowMessage(const CVXString &text, int icon) = 0;
+    // Has the user asked to break off the current work? Polled by long operations.
+    virtual bool BreakRequested() = 0;
+};
+
+// Installs the host's prompt; null restores the no-host default. The library does not own it.
+void SetUserPrompt(IUserPrompt *prompt);
+// The installed prompt, or the no-host default; never null.
+IUserPrompt &GetUserPrompt();
+
+// Where the no-host default sends its messages: the logger installs itself here when it is
+// initialised (levels: 1 error, 2 warning). Until then they go to standard error.
+inline constexpr int kLogError = 1;
+inline constexpr int kLogWarning = 2;
+using PromptLogSink = void (*)(int level, const CVXString &text);
+void SetPromptLogSink(PromptLogSink sink);
+
+} // namespace vx
