@@ -21,6 +21,8 @@ const SResourceText kFoundationTexts[] = {
      u"File %1 kan niet worden geopend,\noorzaak: %2",
      u"File %1 kan niet worden geopend,\noorzaak: %2"},
     {IDS_FILE_IN_USE, u"%1 in gebruik", u"%1 in gebruik", u"%1 in gebruik"},
+    {IDS_FILE_EXISTS_OVERWRITE, u"File %1 already exists. Overwrite it?",
+     u"Bestand %1 bestaat al. Overschrijven?", u"文件 %1 已存在。是否覆盖？"},
 };
 
 struct Table {

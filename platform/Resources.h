@@ -36,7 +36,9 @@ enum : unsigned int {
     IDS_INVALID_NUMBER = 35,   // "Invalid number"
     IDS_GRS80_RDNAPTRANS = 56, // present in the table, no user in the library
     IDS_FILE_OPEN_FAILED = 57, // "File %1 kan niet worden geopend,\noorzaak: %2"
-    IDS_FILE_IN_USE = 58       // "%1 in gebruik"
+    IDS_FILE_IN_USE = 58,      // "%1 in gebruik"
+    // Texts this port adds for questions the original left to its hosts' dialogs.
+    IDS_FILE_EXISTS_OVERWRITE = 9001 // "File %1 already exists. Overwrite it?"
 };
 
 } // namespace vx

@@ -1,0 +1,78 @@
+// vx selftest: a quick end-to-end check that the installed library behaves, for hosts and
+// packagers. Each check computes a value through the library and compares it with a value
+// known independently.
+#include "Command.h"
+
+#include "foundation/NumberText.h"
+#include "foundation/VXString.h"
+
+#include <cmath>
+#include <cstdio>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace vxtool {
+
+namespace {
+
+struct Check {
+    const char *name;
+    std::function<bool()> run;
+};
+
+std::vector<Check> Checks() {
+    using namespace vx;
+    return {
+        {"string sharing and empty-is-null",
+         [] {
+             CVXString a(u"abc"), b(a), empty(u"");
+             return a.GetData() == b.GetData() && empty.GetData() == nullptr;
+         }},
+        {"format with checked arguments",
+         [] {
+             CVXString s;
+             s.Format(u"%5.2f|%-3d|%s", 3.14159, 7, u"x");
+             return s == u" 3.14|7  |x";
+         }},
+        {"strict number parser",
+         [] {
+             double d = 0;
+             int32_t l = 0;
+             return bString2Number(&d, u" 1e3 ") && d == 1000.0 && !bString2Number(&l, u"12a");
+         }},
+        {"code page round trip",
+         [] {
+             const char bytes[] = "\x80\xE9";
+             CVXString s(bytes);
+             return s.GetLength() == 2 && s.GetAtU(0) == u'\u20AC' &&
+                    std::string(static_cast<const char *>(s)) == bytes;
+         }},
+    };
+}
+
+int RunSelftest(const Args &args) {
+    const bool verbose = !args.empty() && args[0] == "-v";
+    int passed = 0, failed = 0;
+    for (const Check &c : Checks()) {
+        bool ok = false;
+        try {
+            ok = c.run();
+        } catch (const std::exception &e) {
+            std::fprintf(stderr, "  %s: %s\n", c.name, e.what());
+        }
+        if (ok)
+            ++passed;
+        else
+            ++failed;
+        if (verbose || !ok) std::printf("%s %s\n", ok ? "ok  " : "FAIL", c.name);
+    }
+    std::printf("selftest: %d passed, %d failed\n", passed, failed);
+    return failed ? 1 : 0;
+}
+
+const VxCommand kSelftest("selftest", "selftest [-v]   check the library end to end", RunSelftest);
+
+} // namespace
+
+} // namespace vxtool
