@@ -1,0 +1,469 @@
+#include "persist/ArchiveX.h"
+
+#include "foundation/NumberText.h"
+#include "foundation/VXFile.h"
+#include "foundation/VXODateTime.h"
+#include "persist/RuntimeCreator.h"
+#include "persist/SerObject.h"
+#include "platform/Errors.h"
+
+#include <cmath>
+#include <memory>
+
+namespace vx {
+
+namespace {
+
+const char16_t kTypeAttr[] = u"MFC_RUNTIME_TYPE";
+const char16_t kSchemaAttr[] = u"MFC_RUNTIME_TYPE_SCHEMA";
+const char16_t kFileRoot[] = u"VXXMLArchive";
+const char16_t kMemoryRoot[] = u"VXA";
+
+// The float NaN of a failed load: the bits 0xFFF80000.
+const float kFloatNaN = std::bit_cast<float>(0xFFF80000u);
+
+struct TypeName {
+    const char16_t *name;
+    int value;
+};
+// The names are file content: they never change.
+const TypeName kVariantTypes[] = {
+    {u"adEmpty", 0},
+    {u"adBigInt", 20},
+    {u"adBinary", 128},
+    {u"adBoolean", 11},
+    {u"adBSTR", 8},
+    {u"adChar", 129},
+    {u"adCurrency", 6},
+    {u"adDate", 7},
+    {u"adDBDate", 133},
+    {u"adDBTime", 134},
+    {u"adDBTimeStamp", 135},
+    {u"adDecimal", 14},
+    {u"adDouble", 5},
+    {u"adInteger", 3},
+    {u"adNumeric", 131},
+    {u"adSingle", 4},
+    {u"adSmallInt", 2},
+    {u"adTinyInt", 16},
+    {u"adUnsignedBigInt", 21},
+    {u"adUnsignedInt", 19},
+    {u"adUnsignedSmallInt", 18},
+    {u"adUnsignedTinyInt", 17},
+    {u"adWChar", 130},
+    {u"adLongVarBinary", 205},
+    {u"adLongVarChar", 201},
+    {u"adLongVarWChar", 203},
+    {u"adVarBinary", 204},
+    {u"adVarChar", 200},
+    {u"adVarWChar", 202},
+    {u"adGUID", 72},
+};
+
+bool IsDateType(int t) {
+    return t == adDate || t == adDBDate || t == adDBTime || t == adDBTimeStamp;
+}
+
+const char16_t *const kDateAttrs[] = {u"Day",    u"Month",  u"Year",        u"Hour",
+                                      u"Minute", u"Second", u"Milliseconds"};
+
+} // namespace
+
+int VariantTypeFromName(const CVXString &name) {
+    for (const TypeName &t : kVariantTypes)
+        if (name.Compare(t.name) == 0) return t.value;
+    return 0;
+}
+
+const char16_t *VariantTypeName(int type) {
+    for (const TypeName &t : kVariantTypes)
+        if (t.value == type) return t.name;
+    return u"adEmpty";
+}
+
+// ---- construction ----
+
+void CArchiveX::Open(const CVXString &domName, bool loading) {
+    m_document = CreateDomDocument(domName);
+    m_bLoading = loading;
+}
+
+void CArchiveX::MakeRoot(const char16_t *name) {
+    CVXComWrap<IDomElement> root(m_document->CreateElement(CVXString(name)));
+    m_document->SetRoot(root.get());
+    m_current = root;
+}
+
+CArchiveX::CArchiveX(bool loading) {
+    Open(CVXString(u"VXDOM"), loading);
+    if (loading)
+        m_document->Reset();
+    else
+        MakeRoot(kMemoryRoot);
+}
+
+CArchiveX::CArchiveX(const CVXString &path, bool loading) : m_strFileName(path) {
+    Open(CVXString(u"VXDOM"), loading);
+    if (!loading) {
+        MakeRoot(kFileRoot);
+        return;
+    }
+    m_document->Reset();
+    m_document->Load(path);
+    m_current = CVXComWrap<IDomElement>(m_document->Root());
+}
+
+CArchiveX::CArchiveX(const CVXString &path) : m_strFileName(path), m_bUpdate(true) {
+    Open(CVXString(u"VXDom"), false);
+    m_document->SetOption(1);
+    if (bExists(path, 0)) {
+        m_document->Reset();
+        m_document->Load(path);
+        m_current = CVXComWrap<IDomElement>(m_document->Root());
+    } else {
+        MakeRoot(kFileRoot);
+    }
+}
+
+CArchiveX::~CArchiveX() {
+    // A destructor cannot report: a document that cannot be written is lost silently, as it
+    // always was. Copies share the document and each writes it.
+    if ((!m_bLoading || m_bUpdate) && !m_strFileName.IsEmpty() && m_document)
+        m_document->Save(m_strFileName);
+}
+
+bool CArchiveX::IsValid() const {
+    return m_document->LastError().IsEmpty();
+}
+
+CVXString CArchiveX::XML() const {
+    return m_document->XML();
+}
+
+void CArchiveX::XML(const CVXString &text) {
+    m_document->LoadXML(text);
+    m_current = CVXComWrap<IDomElement>(m_document->Root());
+}
+
+// ---- attributes ----
+
+void CArchiveX::SetAttr(const CVXString &name, const VXVariant &value) {
+    m_current->SetAttribute(name, value);
+}
+
+VXVariant CArchiveX::GetAttr(const CVXString &name) const {
+    if (!m_current) return VXVariant();
+    return m_current->GetAttribute(name);
+}
+
+bool CArchiveX::AttributeExists(const CVXString &name) const {
+    return !GetAttr(name).IsEmpty();
+}
+
+void CArchiveX::Save(const CVXString &name, bool value) {
+    SetAttr(name, VXVariant(value));
+}
+void CArchiveX::Save(const CVXString &name, unsigned char value) {
+    SetAttr(name, VXVariant(value));
+}
+void CArchiveX::Save(const CVXString &name, int16_t value) {
+    SetAttr(name, VXVariant(value));
+}
+void CArchiveX::Save(const CVXString &name, uint16_t value) {
+    SetAttr(name, VXVariant(value));
+}
+void CArchiveX::Save(const CVXString &name, int32_t value) {
+    SetAttr(name, VXVariant(value));
+}
+void CArchiveX::Save(const CVXString &name, uint32_t value) {
+    SetAttr(name, VXVariant(value));
+}
+void CArchiveX::Save(const CVXString &name, char16_t value) {
+    SetAttr(name, VXVariant(value));
+}
+void CArchiveX::Save(const CVXString &name, int64_t value) {
+    SetAttr(name, VXVariant(value));
+}
+
+void CArchiveX::Save(const CVXString &name, float value) {
+    CVXString text;
+    text.Format(u"%.7g", value);
+    SetAttr(name, VXVariant(text));
+}
+
+void CArchiveX::Save(const CVXString &name, double value) {
+    CVXString text;
+    text.Format(u"%.15g", value);
+    SetAttr(name, VXVariant(text));
+}
+
+void CArchiveX::Save(const CVXString &name, const CVXString &value) {
+    SetAttr(name, VXVariant(value));
+}
+
+void CArchiveX::Save(const CVXString &name, const GUID &value) {
+    CVXString text;
+    GUID2String(text, value);
+    SetAttr(name, VXVariant(text));
+}
+
+// Each 5-bit channel shifted up by 3 into one of the three low bytes: the channel in the high
+// bits of the 15 to the third byte, the one in the low bits to the first.
+void CArchiveX::Save(const CVXString &name, const CRGB15Base &value) {
+    const uint32_t v = value.m_nRGB;
+    const uint32_t low = (v & 0x1F) << 3, mid = ((v >> 5) & 0x1F) << 3,
+                   high = ((v >> 10) & 0x1F) << 3;
+    SetAttr(name, VXVariant(static_cast<uint32_t>(low | (mid << 8) | (high << 16))));
+}
+
+template <class T>
+static T Converted(const VXVariant &v, int64_t lo, int64_t hi) {
+    const int64_t n = v.ToInt64();
+    if (n < lo || n > hi) throw CVXComError(DISP_E_OVERFLOW, __FILE__, __LINE__);
+    return static_cast<T>(n);
+}
+
+void CArchiveX::Load(const CVXString &name, bool &value) {
+    value = GetAttr(name).ToBool();
+}
+void CArchiveX::Load(const CVXString &name, unsigned char &value) {
+    value = Converted<unsigned char>(GetAttr(name), 0, 255);
+}
+void CArchiveX::Load(const CVXString &name, int16_t &value) {
+    value = Converted<int16_t>(GetAttr(name), INT16_MIN, INT16_MAX);
+}
+void CArchiveX::Load(const CVXString &name, uint16_t &value) {
+    value = Converted<uint16_t>(GetAttr(name), 0, UINT16_MAX);
+}
+void CArchiveX::Load(const CVXString &name, int32_t &value) {
+    value = Converted<int32_t>(GetAttr(name), INT32_MIN, INT32_MAX);
+}
+void CArchiveX::Load(const CVXString &name, uint32_t &value) {
+    value = Converted<uint32_t>(GetAttr(name), 0, UINT32_MAX);
+}
+void CArchiveX::Load(const CVXString &name, char16_t &value) {
+    value = Converted<char16_t>(GetAttr(name), 0, UINT16_MAX);
+}
+void CArchiveX::Load(const CVXString &name, int64_t &value) {
+    value = GetAttr(name).ToInt64();
+}
+
+void CArchiveX::Load(const CVXString &name, float &value) {
+    float f;
+    if (bString2Number(&f, GetAttr(name).ToString()))
+        value = f;
+    else
+        value = kFloatNaN;
+}
+
+void CArchiveX::Load(const CVXString &name, double &value) {
+    double d;
+    if (bString2Number(&d, GetAttr(name).ToString()))
+        value = d;
+    else
+        value = dNaN;
+}
+
+void CArchiveX::Load(const CVXString &name, CVXString &value) {
+    value = GetAttr(name).ToString();
+}
+
+void CArchiveX::Load(const CVXString &name, GUID &value) {
+    const CVXString text = GetAttr(name).ToString();
+    if (!text.IsEmpty()) String2GUID(value, text);
+}
+
+void CArchiveX::Load(const CVXString &name, CRGB15Base &value) {
+    const uint32_t v = GetAttr(name).ToUInt64() & 0xFFFFFFu;
+    const uint32_t low = (v >> 3) & 0x1F, mid = (v >> 11) & 0x1F, high = (v >> 19) & 0x1F;
+    value.m_nRGB = static_cast<uint16_t>(low | (mid << 5) | (high << 10));
+}
+
+// ---- dates and variants ----
+
+void CArchiveX::Save(const CVXString &name, const CVXODateTime &value) {
+    SYSTEMTIME st{};
+    value.GetAsSystemTime(st);
+    CArchiveXMLChild child(*this, name);
+    const uint16_t fields[] = {st.wDay,    st.wMonth,  st.wYear,        st.wHour,
+                               st.wMinute, st.wSecond, st.wMilliseconds};
+    for (int i = 0; i < 7; ++i)
+        Save(CVXString(kDateAttrs[i]), fields[i]);
+}
+
+void CArchiveX::Load(const CVXString &name, CVXODateTime &value) {
+    const CVXComWrap<IDomElement> saved = m_current;
+    if (!SeekElement(name)) return;
+    SYSTEMTIME st{};
+    uint16_t *fields[] = {&st.wDay,    &st.wMonth,  &st.wYear,        &st.wHour,
+                          &st.wMinute, &st.wSecond, &st.wMilliseconds};
+    for (int i = 0; i < 7; ++i)
+        Load(CVXString(kDateAttrs[i]), *fields[i]);
+    m_current = saved;
+    value.FromSystemTime(st);
+}
+
+void CArchiveX::SaveDate(const CVXString &name, double oleDate) {
+    CVXODateTime date;
+    date.m_dt = oleDate;
+    date.SetStatus(COleDateTime::valid);
+    Save(name, date);
+}
+
+bool CArchiveX::LoadDate(const CVXString &name, double &oleDate) {
+    CVXODateTime date;
+    date.SetStatus(COleDateTime::null);
+    Load(name, date);
+    if (date.GetStatus() != COleDateTime::valid) return false;
+    oleDate = date.m_dt;
+    return true;
+}
+
+void CArchiveX::Save(const CVXString &name, const VXVariant &value) {
+    SetAttr(name + u"_VXType", VXVariant(CVXString(VariantTypeName(value.Type()))));
+    if (value.IsDate())
+        SaveDate(name, value.ToDate());
+    else
+        SetAttr(name, value);
+}
+
+void CArchiveX::Load(const CVXString &name, VXVariant &value) {
+    int type;
+    const CVXString typeName = GetAttr(name + u"_VXType").ToString();
+    if (typeName.IsEmpty()) {
+        // Files from before the type names hold the number under "_Type".
+        const VXVariant old = GetAttr(name + u"_Type");
+        if (old.IsEmpty() || old.ToString().IsEmpty()) return;
+        type = old.ToInt32();
+    } else {
+        type = VariantTypeFromName(typeName);
+    }
+    if (IsDateType(type)) {
+        double d;
+        if (LoadDate(name, d)) value = VXVariant::FromDate(d, static_cast<DataTypeEnum>(type));
+        return;
+    }
+    VXVariant v = GetAttr(name);
+    if (!v.IsEmpty()) v.ChangeType(static_cast<DataTypeEnum>(type));
+    value = v;
+}
+
+// ---- objects ----
+
+CVXString CArchiveX::ToName(const CVXString &name, int n) {
+    CVXString s;
+    s.Format(u"%s%d", name, n);
+    return s;
+}
+
+CVXComWrap<IDomElement> CArchiveX::AppendChild(const CVXString &name) {
+    CVXComWrap<IDomElement> element(m_document->CreateElement(name));
+    return CVXComWrap<IDomElement>(m_current->AppendChild(element.get()));
+}
+
+bool CArchiveX::SeekElement(const CVXString &name) {
+    if (!m_current) return false;
+    CVXComWrap<IDomNodeList> children(m_current->Children());
+    const long count = children->Count();
+    for (long i = 0; i < count; ++i) {
+        CVXComWrap<IDomElement> child(children->Item(i));
+        if (child && child->Name().Compare(name) == 0) {
+            m_current = child;
+            return true;
+        }
+    }
+    return false;
+}
+
+void CArchiveX::Save(const CVXString &name, const ISerObject *object) {
+    auto *obj = const_cast<ISerObject *>(object);
+    const CVXComWrap<IDomElement> saved = m_current;
+    m_current = AppendChild(name);
+    if (const CRuntimeCreator *creator = obj->RuntimeCreator()) {
+        Save(CVXString(kTypeAttr), creator->ClassName());
+        Save(CVXString(kSchemaAttr), creator->Schema());
+    }
+    obj->SerializeX(*this);
+    m_current = saved;
+}
+
+void CArchiveX::Save(const CVXString &name, ISerObject &object) {
+    SerializeIt(name, &object);
+}
+
+void CArchiveX::Load(const CVXString &name, ISerObject &object) {
+    SerializeIt(name, &object);
+}
+
+void CArchiveX::Save(const CVXString &name, CSerObject &object, uint32_t n) {
+    SerializeIt(ToName(name, static_cast<int>(n)), &object);
+}
+
+void CArchiveX::Load(const CVXString &name, CSerObject &object, uint32_t n) {
+    SerializeIt(ToName(name, static_cast<int>(n)), &object);
+}
+
+void CArchiveX::SerializeIt(const CVXString &name, ISerObject *object) {
+    const CVXComWrap<IDomElement> saved = m_current;
+    if (m_bLoading) {
+        if (!SeekElement(name)) return;
+    } else {
+        m_current = AppendChild(name);
+    }
+    object->SerializeX(*this);
+    m_current = saved;
+}
+
+ISerObject *CArchiveX::ReadCurrent() {
+    CVXString className;
+    Load(CVXString(kTypeAttr), className);
+    uint32_t schema = 0;
+    Load(CVXString(kSchemaAttr), schema);
+    m_nSchema = static_cast<int32_t>(schema);
+    const CRuntimeCreator *creator = CRuntimeCreator::RuntimeCreator(className);
+    if (!creator) return nullptr; // an unknown class: the element is skipped
+    std::unique_ptr<ISerObject> object(creator->CreateObject());
+    if (!object) return nullptr;
+    object->SerializeX(*this);
+    return object.release();
+}
+
+void CArchiveX::Load(const CVXString &name, ISerObject *&object) {
+    const CVXComWrap<IDomElement> saved = m_current;
+    if (!SeekElement(name)) return;
+    object = ReadCurrent();
+    m_current = saved;
+}
+
+void CArchiveX::Load(const CVXString &name, ISerObject *&object, CVXComWrap<IDomElement> &cursor) {
+    object = nullptr;
+    const CVXComWrap<IDomElement> saved = m_current;
+    if (!cursor) {
+        if (!SeekElement(name)) return;
+    } else {
+        // Walking off the end uses a null element: the count beside the run must be right.
+        CVXComWrap<IDomElement> next(cursor->NextSibling());
+        while (next->Name().Compare(name) != 0)
+            next = CVXComWrap<IDomElement>(next->NextSibling());
+        m_current = next;
+    }
+    cursor = m_current;
+    object = ReadCurrent();
+    m_current = saved;
+}
+
+// ---- child scope ----
+
+CArchiveXMLChild::CArchiveXMLChild(CArchiveX &archive, const CVXString &name)
+    : m_saved(archive.GetCurrent()), m_archive(archive) {
+    if (archive.IsLoading())
+        archive.SeekElement(name);
+    else
+        archive.SetCurrent(archive.AppendChild(name));
+}
+
+CArchiveXMLChild::~CArchiveXMLChild() {
+    m_archive.SetCurrent(m_saved);
+}
+
+} // namespace vx
