@@ -17,26 +17,60 @@
 
 // foundation: strings, numbers and text, files and paths, dates
 #include "foundation/FormatArgs.h"
+#include "foundation/NumberText.h"
+#include "foundation/VXFile.h"
+#include "foundation/VXODateTime.h"
 #include "foundation/VXString.h"
 #include "foundation/VXStringArray.h"
 #include "foundation/VXStringList.h"
+#include "foundation/VXVariant.h"
 
 // persist: serialisable objects, collections, archives
+#include "persist/ArchiveB.h"
+#include "persist/ArchiveX.h"
+#include "persist/Dom.h"
+#include "persist/RTCTree.h"
+#include "persist/RuntimeCreator.h"
 #include "persist/SerCollections.h"
 #include "persist/SerObject.h"
+#include "persist/XmlWriter.h"
 
 // geometry: coordinates, point sequences, intersections, extents
+#include "geometry/Deel.h"
+#include "geometry/Extents.h"
+#include "geometry/LineArc.h"
+#include "geometry/Tolerances.h"
+#include "geometry/VXCoord.h"
+#include "geometry/VXCoordArr.h"
 
 // geodesy: ellipsoids, projections, national grids
+#include "geodesy/Angles.h"
+#include "geodesy/Ellipsoid.h"
+#include "geodesy/Geoid.h"
+#include "geodesy/NationalGrid.h"
+#include "geodesy/OutputSystem.h"
+#include "geodesy/OutputSystemArray.h"
+#include "geodesy/ProjLambert.h"
+#include "geodesy/ProjNone.h"
+#include "geodesy/ProjRSO.h"
+#include "geodesy/ProjStereo.h"
+#include "geodesy/ProjSwiss.h"
+#include "geodesy/ProjTM.h"
 
 // transform: matrices, Helmert tables
 
 // storage: trees, caches, file-backed arrays
+#include "storage/PtrTree.h"
 
 // instrument: instrument records
 
 // text: text files, message lists
+#include "text/AsciiFile.h"
+#include "text/AsciiMeldingen.h"
+#include "text/Progress.h"
+#include "text/TextFile.h"
 
 // device: serial link
 
 // host: logging
+#include "host/Logger.h"

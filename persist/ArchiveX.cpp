@@ -69,6 +69,19 @@ const char16_t *const kDateAttrs[] = {u"Day",    u"Month",  u"Year",        u"Ho
 
 } // namespace
 
+// Restores the current element when a step down ends, also by an exception.
+class CArchiveX::CurrentGuard {
+public:
+    explicit CurrentGuard(CArchiveX &ar) : m_ar(ar), m_saved(ar.m_current) {}
+    ~CurrentGuard() { m_ar.m_current = m_saved; }
+    CurrentGuard(const CurrentGuard &) = delete;
+    CurrentGuard &operator=(const CurrentGuard &) = delete;
+
+private:
+    CArchiveX &m_ar;
+    CVXComWrap<IDomElement> m_saved;
+};
+
 int VariantTypeFromName(const CVXString &name) {
     for (const TypeName &t : kVariantTypes)
         if (name.Compare(t.name) == 0) return t.value;
@@ -292,14 +305,15 @@ void CArchiveX::Save(const CVXString &name, const CVXODateTime &value) {
 }
 
 void CArchiveX::Load(const CVXString &name, CVXODateTime &value) {
-    const CVXComWrap<IDomElement> saved = m_current;
-    if (!SeekElement(name)) return;
     SYSTEMTIME st{};
-    uint16_t *fields[] = {&st.wDay,    &st.wMonth,  &st.wYear,        &st.wHour,
-                          &st.wMinute, &st.wSecond, &st.wMilliseconds};
-    for (int i = 0; i < 7; ++i)
-        Load(CVXString(kDateAttrs[i]), *fields[i]);
-    m_current = saved;
+    {
+        CurrentGuard guard(*this);
+        if (!SeekElement(name)) return;
+        uint16_t *fields[] = {&st.wDay,    &st.wMonth,  &st.wYear,        &st.wHour,
+                              &st.wMinute, &st.wSecond, &st.wMilliseconds};
+        for (int i = 0; i < 7; ++i)
+            Load(CVXString(kDateAttrs[i]), *fields[i]);
+    }
     value.FromSystemTime(st);
 }
 
@@ -377,14 +391,13 @@ bool CArchiveX::SeekElement(const CVXString &name) {
 
 void CArchiveX::Save(const CVXString &name, const ISerObject *object) {
     auto *obj = const_cast<ISerObject *>(object);
-    const CVXComWrap<IDomElement> saved = m_current;
+    CurrentGuard guard(*this);
     m_current = AppendChild(name);
     if (const CRuntimeCreator *creator = obj->RuntimeCreator()) {
         Save(CVXString(kTypeAttr), creator->ClassName());
         Save(CVXString(kSchemaAttr), creator->Schema());
     }
     obj->SerializeX(*this);
-    m_current = saved;
 }
 
 void CArchiveX::Save(const CVXString &name, ISerObject &object) {
@@ -404,14 +417,13 @@ void CArchiveX::Load(const CVXString &name, CSerObject &object, uint32_t n) {
 }
 
 void CArchiveX::SerializeIt(const CVXString &name, ISerObject *object) {
-    const CVXComWrap<IDomElement> saved = m_current;
+    CurrentGuard guard(*this);
     if (m_bLoading) {
         if (!SeekElement(name)) return;
     } else {
         m_current = AppendChild(name);
     }
     object->SerializeX(*this);
-    m_current = saved;
 }
 
 ISerObject *CArchiveX::ReadCurrent() {
@@ -429,15 +441,14 @@ ISerObject *CArchiveX::ReadCurrent() {
 }
 
 void CArchiveX::Load(const CVXString &name, ISerObject *&object) {
-    const CVXComWrap<IDomElement> saved = m_current;
+    CurrentGuard guard(*this);
     if (!SeekElement(name)) return;
     object = ReadCurrent();
-    m_current = saved;
 }
 
 void CArchiveX::Load(const CVXString &name, ISerObject *&object, CVXComWrap<IDomElement> &cursor) {
     object = nullptr;
-    const CVXComWrap<IDomElement> saved = m_current;
+    CurrentGuard guard(*this);
     if (!cursor) {
         if (!SeekElement(name)) return;
     } else {
@@ -449,7 +460,6 @@ void CArchiveX::Load(const CVXString &name, ISerObject *&object, CVXComWrap<IDom
     }
     cursor = m_current;
     object = ReadCurrent();
-    m_current = saved;
 }
 
 // ---- child scope ----

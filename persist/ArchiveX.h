@@ -120,6 +120,7 @@ public:
     CVXComWrap<IDomElement> AppendChild(const CVXString &name);
 
 private:
+    class CurrentGuard;
     void Open(const CVXString &domName, bool loading);
     void MakeRoot(const char16_t *name);
     void SetAttr(const CVXString &name, const VXVariant &value);

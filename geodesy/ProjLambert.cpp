@@ -1,0 +1,205 @@
+#include "geodesy/ProjLambert.h"
+
+#include "geodesy/Angles.h"
+#include "geodesy/ProjMath.h"
+#include "geometry/VXCoord.h"
+
+#include <cmath>
+
+namespace vx {
+
+namespace {
+
+constexpr double u = dUnusedParameter;
+
+// I(p) = ln(tan(p/2 + pi/4) ((1 - e sin p) / (1 + e sin p))^(e/2)), the isometric latitude in the
+// product form of the Lambert formulas.
+double IsoLB(double p, double e) {
+    const double es = e * std::sin(p);
+    return std::log(std::tan(p / 2.0 + dPi / 4.0) * std::pow((1.0 - es) / (1.0 + es), e / 2.0));
+}
+
+// Runs p = step(p) until the change is at most the tolerance or the round limit is reached.
+template <class STEP>
+double IterateLatitude(double p, STEP step) {
+    for (int i = 0; i < nLatIterRounds; ++i) {
+        const double next = step(p);
+        const double change = std::fabs(next - p);
+        p = next;
+        if (change <= dLatIterTol) break;
+    }
+    return p;
+}
+
+// The constants of the old closed form of Lambert 72.
+constexpr double dL72Radius = 11565915.812935;
+constexpr double dL72Cone = 0.77164219280000002;
+constexpr double dL72InvCone = 1.2959374297190454;
+constexpr double dL72Theta0 = 0.00014204300000000001;
+constexpr double dL72DeltaX = 0.01256;
+constexpr double dL72DeltaY = 88.437799999999996;
+
+} // namespace
+
+CProjection_LB::CProjection_LB(ProjectionType type, CEllipsoid *pEllipsoid, const SParameters &par,
+                               const char *szEditFlags)
+    : COutputSystem(type, pEllipsoid, par, szEditFlags) {}
+
+void CProjection_LB::SerializeX(CArchiveX &) {}
+void CProjection_LB::SerializeB(CArchiveB &) {}
+
+void CProjection_LB::EllToProjection(CVXCoord &xy, CEllCoord ell) {
+    const double e = dGetEccentr();
+    const double p0 = m_dStandPar0;
+    const double s0 = std::sin(p0);
+    const double T = dNRadCurv(p0) * m_dProjScaleFac0 / std::tan(p0);
+    const double I0 = IsoLB(p0, e);
+    const double g = std::exp(-s0 * (IsoLB(ell.dGetLat(), e) - I0));
+    const double g0 = std::exp(-s0 * (IsoLB(m_dLatOrigin, e) - I0));
+    const double th = s0 * dWrapLon(ell.dGetLon());
+    const double x = T * g * std::sin(th) + m_dFalseEasting;
+    const double y = T * (1.0 - g * std::cos(th)) + m_dFalseNorthing - T * (1.0 - g0);
+    SetProjected(xy, x, y, ell.dGetHgt());
+}
+
+void CProjection_LB::ProjectionToEll(CEllCoord &ell, CVXCoord xy) {
+    const double e = dGetEccentr();
+    const double p0 = m_dStandPar0;
+    const double s0 = std::sin(p0);
+    const double T = dNRadCurv(p0) * m_dProjScaleFac0 / std::tan(p0);
+    const double I0 = IsoLB(p0, e);
+    const double g0 = std::exp(-s0 * (IsoLB(m_dLatOrigin, e) - I0));
+    const double Y = T - (T * (1.0 - g0) + xy.dGetY() - m_dFalseNorthing);
+    const double th = std::atan((xy.dGetX() - m_dFalseEasting) / Y);
+    const double lon = th / s0 + m_dLonOriginCM;
+    const double rho = Y / std::cos(th);
+    const double uIso = -std::log(rho / T) / s0 + I0;
+    const double lat = IterateLatitude(uIso, [&](double p) {
+        const double es = e * std::sin(p);
+        return 2.0 * std::atan(std::pow((1.0 + es) / (1.0 - es), e / 2.0) * std::exp(uIso)) -
+               dPi / 2.0;
+    });
+    ell.SetLatLon(lat, dLonOut(lon, false));
+    ell.SetHgt(xy.dGetZ());
+}
+
+CProjection_LB_LAMBERT1::CProjection_LB_LAMBERT1()
+    : CProjection_LB_LAMBERT1(0.0, 0.0, 0.0, 1.0, 0.0, 0.0, CEllipsoid(CEllipsoid::BESSEL_1841)) {}
+
+CProjection_LB_LAMBERT1::CProjection_LB_LAMBERT1(double lon, double lat, double par1, double scale,
+                                                 double east, double north,
+                                                 const CEllipsoid &ellipsoid)
+    : CProjection_LB(PT_LAMBERT1, ellipsoid.Copy(), {lon, lat, par1, u, scale, east, north},
+                     "11101111") {
+    m_dStandPar0 = par1;
+    m_dProjScaleFac0 = scale;
+}
+
+COutputSystem *CProjection_LB_LAMBERT1::pCopy() const {
+    return new CProjection_LB_LAMBERT1(m_dLonOriginCM, m_dLatOrigin, m_dStandPar1, m_dProjScaleFac,
+                                       m_dFalseEasting, m_dFalseNorthing, *m_pEllipsoid);
+}
+
+CProjection_LB_LAMBERT2::CProjection_LB_LAMBERT2()
+    : CProjection_LB_LAMBERT2(0.0, 0.0, 0.0, 0.0, 0.0, 0.0, CEllipsoid(CEllipsoid::BESSEL_1841)) {}
+
+CProjection_LB_LAMBERT2::CProjection_LB_LAMBERT2(double lon, double lat, double par1, double par2,
+                                                 double east, double north,
+                                                 const CEllipsoid &ellipsoid)
+    : CProjection_LB_LAMBERT2(PT_LAMBERT2, ellipsoid.Copy(),
+                              {lon, lat, par1, par2, u, east, north}) {}
+
+CProjection_LB_LAMBERT2::CProjection_LB_LAMBERT2(ProjectionType type, CEllipsoid *pEllipsoid,
+                                                 const SParameters &par)
+    : CProjection_LB(type, pEllipsoid, par, type == PT_LAMBERT2 ? "11110111" : "00000000") {
+    Parallel();
+}
+
+COutputSystem *CProjection_LB_LAMBERT2::pCopy() const {
+    return new CProjection_LB_LAMBERT2(m_dLonOriginCM, m_dLatOrigin, m_dStandPar1, m_dStandPar2,
+                                       m_dFalseEasting, m_dFalseNorthing, *m_pEllipsoid);
+}
+
+void CProjection_LB_LAMBERT2::Parallel() {
+    const double P1 = m_dStandPar1;
+    const double P2 = m_dStandPar2;
+    if (P1 == P2) {
+        m_dStandPar0 = P1;
+        m_dProjScaleFac0 = 1.0;
+        return;
+    }
+    const double e = dGetEccentr();
+    const double N1cos = dNRadCurv(P1) * std::cos(P1);
+    const double N2cos = dNRadCurv(P2) * std::cos(P2);
+    const double s0 = (std::log(N1cos) - std::log(N2cos)) / (IsoLB(P2, e) - IsoLB(P1, e));
+    const double p0 = std::asin(s0);
+    m_dStandPar0 = p0;
+    m_dProjScaleFac0 =
+        N1cos * std::exp(s0 * (IsoLB(P1, e) - IsoLB(p0, e))) / (dNRadCurv(p0) * std::cos(p0));
+}
+
+CProjection_LAMBERT72::CProjection_LAMBERT72() : CProjection_LAMBERT72(PT_LAMBERT72) {}
+
+// The offsets of 150000.013 and 5400088.438 and the latitude of origin of 90 degrees fold the
+// constants of the old closed form (CProjection_LAMBERT72Old) into the general cone.
+CProjection_LAMBERT72::CProjection_LAMBERT72(ProjectionType type)
+    : CProjection_LB_LAMBERT2(type, new CEllipsoid(CEllipsoid::INTERNATIONAL),
+                              {DegToRad(4.3674866666666663), DegToRad(90.0), DegToRad(49.8333339),
+                               DegToRad(51.166667233333335), u, 150000.01300000001,
+                               5400088.4380000001}) {}
+
+COutputSystem *CProjection_LAMBERT72::pCopy() const {
+    return new CProjection_LAMBERT72();
+}
+
+CProjection_LAMBERT2008::CProjection_LAMBERT2008()
+    : CProjection_LB_LAMBERT2(PT_LAMBERT2008, new CEllipsoid(CEllipsoid::GRS_1980),
+                              {DegToRad(4.3592158333333328), DegToRad(50.797815),
+                               DegToRad(49.833333333333336), DegToRad(51.166666666666664), u,
+                               649328.0, 665262.0}) {
+    m_szTransformationName = u"ETRS89 - Lambert 2008+TAW";
+}
+
+COutputSystem *CProjection_LAMBERT2008::pCopy() const {
+    return new CProjection_LAMBERT2008();
+}
+
+CProjection_LAMBERT72Old::CProjection_LAMBERT72Old()
+    : COutputSystem(PT_LAMBERT72, new CEllipsoid(CEllipsoid::INTERNATIONAL),
+                    {DegToRad(4.3569397219999999), DegToRad(50.799362221999999),
+                     DegToRad(49.833333332999999), DegToRad(51.166666667000001), u, 150000.0,
+                     5400000.0},
+                    "00000000") {}
+
+COutputSystem *CProjection_LAMBERT72Old::pCopy() const {
+    return new CProjection_LAMBERT72Old();
+}
+
+void CProjection_LAMBERT72Old::EllToProjection(CVXCoord &xy, CEllCoord ell) {
+    const double e = dGetEccentr();
+    const double lat = ell.dGetLat();
+    const double es = e * std::sin(lat);
+    const double rho = dL72Radius * std::pow(std::tan(dPi / 4.0 - lat / 2.0) *
+                                                 std::pow((1.0 + es) / (1.0 - es), e / 2.0),
+                                             dL72Cone);
+    const double th = dL72Cone * dWrapLon(ell.dGetLon()) - dL72Theta0;
+    const double x = rho * std::sin(th) + m_dFalseEasting + dL72DeltaX;
+    const double y = m_dFalseNorthing + dL72DeltaY - rho * std::cos(th);
+    SetProjected(xy, x, y, ell.dGetHgt());
+}
+
+void CProjection_LAMBERT72Old::ProjectionToEll(CEllCoord &ell, CVXCoord xy) {
+    const double e = dGetEccentr();
+    const double X = xy.dGetX() - (m_dFalseEasting + dL72DeltaX);
+    const double Y = xy.dGetY() - (m_dFalseNorthing + dL72DeltaY);
+    const double lon = (std::atan(X / -Y) + dL72Theta0) * dL72InvCone + m_dLonOriginCM;
+    const double v = std::pow(std::sqrt(X * X + Y * Y) / dL72Radius, dL72InvCone);
+    const double lat = IterateLatitude(dPi / 2.0 - 2.0 * std::atan(v), [&](double p) {
+        const double es = e * std::sin(p);
+        return dPi / 2.0 - 2.0 * std::atan(v * std::pow((1.0 - es) / (1.0 + es), e / 2.0));
+    });
+    ell.SetLatLon(lat, dLonOut(lon, false));
+    ell.SetHgt(xy.dGetZ());
+}
+
+} // namespace vx

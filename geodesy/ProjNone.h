@@ -1,0 +1,19 @@
+// CProjection_NONE: geographic coordinates carried over unchanged, latitude and longitude (in
+// radians) in the coordinate's x and y, the height in its z.
+#pragma once
+
+#include "geodesy/OutputSystem.h"
+
+namespace vx {
+
+class CProjection_NONE : public COutputSystem {
+public:
+    CProjection_NONE();
+    explicit CProjection_NONE(const CEllipsoid &ellipsoid);
+
+    COutputSystem *pCopy() const override;
+    void EllToProjection(CVXCoord &xy, CEllCoord ell) override;
+    void ProjectionToEll(CEllCoord &ell, CVXCoord xy) override;
+};
+
+} // namespace vx

@@ -1,0 +1,42 @@
+// The oblique stereographic double projection: the ellipsoid first onto a conformal sphere
+// (Gauss), then stereographically onto the plane tangent at the origin.
+//
+// CProjection_STEREOGRAPHIC derives the sphere from the latitude of origin at each call;
+// CProjection_RD uses the fixed constants of the Dutch national grid. Forward is closed; the
+// inverse latitude comes from a fixed-point iteration (at most 10 rounds, to 1e-12 rad).
+#pragma once
+
+#include "geodesy/OutputSystem.h"
+
+namespace vx {
+
+class CProjection_STEREOGRAPHIC : public COutputSystem {
+public:
+    // `type` is PT_LOCAL (6) or PT_STEREOGRAPHIC (8): the same mathematics under two names.
+    explicit CProjection_STEREOGRAPHIC(ProjectionType type = PT_STEREOGRAPHIC);
+    CProjection_STEREOGRAPHIC(ProjectionType type, double lon, double lat, double scale,
+                              double east, double north, const CEllipsoid &ellipsoid);
+
+    COutputSystem *pCopy() const override;
+    void EllToProjection(CVXCoord &xy, CEllCoord ell) override;
+    void ProjectionToEll(CEllCoord &ell, CVXCoord xy) override;
+};
+
+class CProjection_RD : public COutputSystem {
+public:
+    CProjection_RD();
+
+    COutputSystem *pCopy() const override;
+    void EllToProjection(CVXCoord &xy, CEllCoord ell) override;
+    void ProjectionToEll(CEllCoord &ell, CVXCoord xy) override;
+    // Kept asymmetric: ETRS2LOCAL is the bare projection (the base operation), whereas
+    // LOCAL2ETRS runs the full RDNAPTRANS2008 chain back to ETRS89.
+    using COutputSystem::ETRS2LOCAL;
+    void LOCAL2ETRS(CEllCoord &ell, const CVXCoord &xy) override;
+
+protected:
+    // For the grid-corrected RD types of geodesy/NationalGrid.h.
+    explicit CProjection_RD(ProjectionType type);
+};
+
+} // namespace vx

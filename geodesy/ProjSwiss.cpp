@@ -1,0 +1,87 @@
+#include "geodesy/ProjSwiss.h"
+
+#include "geodesy/Angles.h"
+#include "geodesy/ProjMath.h"
+#include "geometry/VXCoord.h"
+
+#include <cmath>
+
+namespace vx {
+
+namespace {
+
+constexpr double u = dUnusedParameter;
+
+// The fixed constants of the Swiss projection sphere. The squared eccentricity is used instead
+// of the ellipsoid's, so the results keep the digits of the published definition.
+constexpr double dE2 = 0.0066743722306139997;
+constexpr double dAlpha = 1.00072913843038;
+constexpr double dHalfAlpha = 0.50036456921519001;
+constexpr double dInvAlpha = 0.99927139282511179;
+constexpr double dK = 0.0030667323772751;
+constexpr double dR = 6378815.9036499998;
+constexpr double dHalfR = 3189407.9518249999;
+
+double Eccentricity() {
+    return std::sqrt(dE2);
+}
+
+} // namespace
+
+CProjection_SWISS::CProjection_SWISS() : CProjection_SWISS(2600000.0, 1200000.0) {}
+
+CProjection_SWISS::CProjection_SWISS(double east, double north)
+    : COutputSystem(
+          PT_SWISS, new CEllipsoid(CEllipsoid::BESSEL_1841),
+          {DegToRad(7.4395833333333332), DegToRad(46.952405555555558), u, u, 1.0, east, north},
+          "00000110") {}
+
+COutputSystem *CProjection_SWISS::pCopy() const {
+    return new CProjection_SWISS(m_dFalseEasting, m_dFalseNorthing);
+}
+
+void CProjection_SWISS::EllToProjection(CVXCoord &xy, CEllCoord ell) {
+    const double e = Eccentricity();
+    const double lat = ell.dGetLat();
+    const double es = e * std::sin(lat);
+    const double q = std::log((1.0 + es) / (1.0 - es)) * e * dHalfAlpha +
+                     std::log(std::tan(dPi / 4.0 - lat / 2.0)) * dAlpha;
+    const double b = 2.0 * (std::atan(std::exp(dK - q)) - dPi / 4.0);
+    const double b0 = std::asin(std::sin(m_dLatOrigin) / dAlpha);
+    // No wrapping here: the Swiss grid never reaches the antimeridian.
+    const double l = (ell.dGetLon() - m_dLonOriginCM) * dAlpha;
+    const double sb = std::sin(b) * std::cos(b0) - std::cos(b) * std::sin(b0) * std::cos(l);
+    const double x =
+        std::atan(std::sin(l) / (std::tan(b) * std::sin(b0) + std::cos(l) * std::cos(b0))) * dR +
+        m_dFalseEasting;
+    const double y = std::log((1.0 + sb) / (1.0 - sb)) * dHalfR + m_dFalseNorthing;
+    SetProjected(xy, x, y, ell.dGetHgt());
+}
+
+void CProjection_SWISS::ProjectionToEll(CEllCoord &ell, CVXCoord xy) {
+    const double e = Eccentricity();
+    const double b0 = std::asin(std::sin(m_dLatOrigin) / dAlpha);
+    const double bb = 2.0 * (std::atan(std::exp((xy.dGetY() - m_dFalseNorthing) / dR)) - dPi / 4.0);
+    const double l = (xy.dGetX() - m_dFalseEasting) / dR;
+    const double b =
+        std::asin(std::sin(bb) * std::cos(b0) + std::cos(bb) * std::sin(b0) * std::cos(l));
+    const double lon =
+        std::atan(std::sin(l) / (std::cos(b0) * std::cos(l) - std::tan(bb) * std::sin(b0))) /
+            dAlpha +
+        m_dLonOriginCM;
+    const double iso = (std::log(std::tan(b / 2.0 + dPi / 4.0)) - dK) * dInvAlpha;
+    double p = b;
+    for (int i = 0; i < nLatIterRounds; ++i) {
+        const double next =
+            2.0 * std::atan(std::exp(
+                      std::log(std::tan(std::asin(e * std::sin(p)) / 2.0 + dPi / 4.0)) * e + iso)) -
+            dPi / 2.0;
+        const double change = std::fabs(next - p);
+        p = next;
+        if (change <= dLatIterTol) break;
+    }
+    ell.SetLatLon(p, dLonOut(lon, false));
+    ell.SetHgt(xy.dGetZ());
+}
+
+} // namespace vx

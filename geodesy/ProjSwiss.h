@@ -1,0 +1,20 @@
+// CProjection_SWISS: the oblique conformal cylindrical projection of the Swiss survey (Bessel
+// ellipsoid onto a sphere, then an oblique Mercator), with its fixed constants. Forward is
+// closed; the inverse latitude is a fixed-point iteration (at most 10 rounds, to 1e-12 rad).
+#pragma once
+
+#include "geodesy/OutputSystem.h"
+
+namespace vx {
+
+class CProjection_SWISS : public COutputSystem {
+public:
+    CProjection_SWISS();
+    CProjection_SWISS(double east, double north);
+
+    COutputSystem *pCopy() const override;
+    void EllToProjection(CVXCoord &xy, CEllCoord ell) override;
+    void ProjectionToEll(CEllCoord &ell, CVXCoord xy) override;
+};
+
+} // namespace vx

@@ -1,0 +1,179 @@
+// CVXCoordArr: the library's one model of a line, an ordered array of heap points that it owns,
+// in which straight stretches, arcs, whole circles and splines are coded point by point through
+// the section code of each point; and the lists and arrays of points and lines.
+//
+// The section code of point i says how the stretch from point i−1 to point i is drawn: 0 or 2
+// straight, 1 start of a line, 6 spline, 7 whole circle, 8 arc (support and end point), 9 forced
+// point. Centres, radii and spline coefficients are never stored nor cached: every routine that
+// needs them computes them from the points (BoogPar, nCubSplin).
+//
+// Ownership: everything that takes a `const CVXCoord *` stores a clone made by the element's
+// virtual New; what replaces or removes a point deletes the old one.
+#pragma once
+
+#include "geometry/VXCoord.h"
+#include "persist/SerCollections.h"
+
+#include <cstdint>
+
+namespace vx {
+
+class CExtents;
+
+class CVXCoordArr : public CTypedPtrArray<CSerObArray, CVXCoord *> {
+    using Base = CTypedPtrArray<CSerObArray, CVXCoord *>;
+
+public:
+    // How bPuntInLijnDeel counts the end points of a stretch.
+    enum LijnTestModus {
+        nMetEinden = 0,    // the ends belong to the stretch
+        nZonderEinden = 1, // points on the ends do not
+        nGeenEinden = 2    // ends are not looked at: a point on an end counts as inside
+    };
+
+    // The array itself changed; set by every structural operation.
+    bool m_bGewijzigd = false;
+
+    CVXCoordArr() = default;
+    explicit CVXCoordArr(int n);
+    CVXCoordArr(const CVXCoordArr &other);
+    CVXCoordArr &operator=(const CVXCoordArr &other);
+    ~CVXCoordArr() override;
+    void Copy(const CVXCoordArr &other);
+
+    // ---- storage ------------------------------------------------------------------------------
+    virtual void SetAt(int i, const CVXCoord *p);
+    virtual void InsertAt(int i, const CVXCoordArr *other);
+    virtual void InsertAt(int i, const CVXCoord *p);
+    virtual int Add(const CVXCoord *p);
+    int Add(const CVXCoord *const *pPunten, int n);
+    int Add(const CVXCoordArr *other);
+    // Stores the pointer itself: the array takes it over, and the former point is not deleted.
+    void SetAtDir(int i, CVXCoord *p);
+    void RemoveAt(int i);
+    void SetSize(int n);
+    void RemoveAll();
+    void Move(int nDst, int nSrc, int n);
+    // Takes the points over from other, which is left empty.
+    void SetCopy(CVXCoordArr &other);
+    // A null slot is first filled with a default point.
+    CVXCoord *GetAt(int i);
+    // A null slot raises the assertion report and yields null.
+    const CVXCoord *GetAt(int i) const;
+    CVXCoord *operator[](int i) { return GetAt(i); }
+    const CVXCoord *operator[](int i) const { return GetAt(i); }
+    CVXCoord **GetData();
+    const CVXCoord *const *GetData() const;
+
+    virtual bool Gewijzigd() const;
+    virtual void SetUnChanged();
+
+    // ---- section queries; i is the index of the point that starts the stretch ------------------
+    bool bRechte(int i) const;
+    bool bBoog(int i) const;
+    bool bSpline(int i) const;
+    bool bCirkel() const;
+    bool bCirkelKromme(int i) const;
+    bool bAlleSectiesLijn() const;
+    bool bGesloten() const;
+    bool bIInLine(int i) const;
+    bool bVoorSteun(const CVXCoord &pt, int i) const;
+
+    // ---- navigation ---------------------------------------------------------------------------
+    int nNextLinePart(int i) const;
+    int nPrevLinePart(int i) const;
+    int nStartDeel(int i) const;
+    int nTelSplinePunten(int i) const;
+
+    // ---- search and comparison ----------------------------------------------------------------
+    int nZoekPunt2(const CVXCoord &pt) const;
+    unsigned short ZoekPuntMetAfstand(const CVXCoord &pt, double d) const;
+    bool Gelijk(CVXCoordArr &other);
+    bool bLineInTol(int i, const CVXCoord &pt) const;
+    int CopyIfInTol(const CVXCoord &pt, int nStart, int n, bool bCopy);
+    void VerschillenXY(const CVXCoordArr &other, double *pGem, double *pMax) const;
+
+    // ---- measures -----------------------------------------------------------------------------
+    double dLijnLengte(int i) const;
+    double dLengte() const;
+    double dLengteInLijn(int i, const CVXCoord &pt) const;
+    void LijnHoek(int i, double &dSom, const CVXCoord &pt) const;
+    bool bOppervlakNoAbs(double *pOpp) const;
+    bool bOppervlak(double *pOpp) const;
+    double Volume(double dBasis) const;
+    void ZwaartePunt(CVXCoord &punt) const;
+    void ZwaartePunt3D(CVXCoord &punt) const;
+    void Extents(CExtents &ext, bool bPunten) const;
+    double Dist(const CVXCoord &pt) const;
+    void DraaiRichting();
+
+    // ---- intersection per stretch (geometry/LineArc.cpp) ---------------------------------------
+    bool bPuntInLijnDeel(const CVXCoord &pt, int i, LijnTestModus modus = nMetEinden) const;
+    int nSnij(CVXCoord **p1, CVXCoord **p2, const CVXCoordArr &other, int i, int j) const;
+    int nSnijInLijnDeel(CVXCoord **p1, CVXCoord **p2, const CVXCoordArr &other, int i, int j,
+                        bool bBeide, LijnTestModus modus) const;
+    int nSnijInLijnDeel(CVXCoord **p1, CVXCoord **p2, const CVXCoordArr &other, int i, int j,
+                        bool bBeide) const;
+
+    // ---- projection and interpolation ---------------------------------------------------------
+    void Projecteer(CVXCoord &punt, int i, const CVXCoord &q) const;
+    void InterpoleerZ(CVXCoord &punt, int i, double dZ) const;
+    void BerekenZ(CVXCoord &punt, int i, double dZ, double dZ2) const;
+    bool bHalveSteunPunten(int i, CVXCoord &a, CVXCoord &b) const;
+    double dHoekInLijn(const CVXCoord &pt, int i) const;
+
+    // ---- shape generators ---------------------------------------------------------------------
+    bool bArcsToLines(double dTol);
+    void Circle2Arcs();
+    // The natural cubic spline through the run of code 6 that follows point nI: one row of
+    // coefficients per interval, in the form CVXCoord::Horner evaluates (parameter 0 to 1 per
+    // interval). Returns the row count, 0 when it cannot; the caller frees pCoef with delete[].
+    int nCubSplin(int nI, double (*&pCoef)[4][2]) const;
+
+    // The point at i as a reference; a null slot (reported) reads as a default point.
+    const CVXCoord &Pt(int i) const;
+
+protected:
+    // The point type of this array, and a new array of the same type (a copy or empty).
+    virtual CVXCoord *Default() const;
+    virtual CVXCoordArr *NewL(bool bCopy) const;
+
+private:
+    int nSectieVan(int i) const { return Pt(i).m_nSectie; }
+    CVXCoord *Kloon(const CVXCoord *p) const;
+};
+
+// A list of points; RemoveAll deletes the points, the destructor does not. Copies share the
+// points (not the nodes): deleting them through one copy leaves the other dangling.
+class CVXCoordList : public CVXTypedPtrList<CSerObList, CVXCoord *> {
+public:
+    using CVXTypedPtrList::CVXTypedPtrList;
+    void RemoveAll();
+};
+
+// A list of lines that owns them: RemoveAll deletes them and the destructor calls it.
+class CVXCoordArrList : public CVXTypedPtrList<CSerObList, CVXCoordArr *> {
+public:
+    using CVXTypedPtrList::CVXTypedPtrList;
+    CVXCoordArrList() = default;
+    // An owning list is not copied: two owners would delete the same lines.
+    CVXCoordArrList(const CVXCoordArrList &) = delete;
+    CVXCoordArrList &operator=(const CVXCoordArrList &) = delete;
+    ~CVXCoordArrList() override;
+    void RemoveAll();
+};
+
+// An array of lines that owns them.
+class CVXCoordArrArr : public CTypedPtrArray<CSerObArray, CVXCoordArr *> {
+public:
+    CVXCoordArrArr() = default;
+    CVXCoordArrArr(const CVXCoordArrArr &other);
+    CVXCoordArrArr &operator=(const CVXCoordArrArr &other);
+    ~CVXCoordArrArr() override;
+    void RemoveAll();
+    void RemoveAt(unsigned short i);
+    // Deep: every line is copied.
+    void Copy(const CVXCoordArrArr &other);
+};
+
+} // namespace vx

@@ -1,0 +1,58 @@
+#include "persist/SerialForms.h"
+
+#include "persist/ArchiveB.h"
+#include "persist/ArchiveX.h"
+#include "persist/SerObject.h"
+#include "platform/Errors.h"
+
+namespace vx::serial {
+
+int32_t LoadElementCount(CArchiveX &ar, const CVXString &name) {
+    int32_t count = 0;
+    ar.Load(name, count);
+    if (count < 0)
+        ThrowNullInterface();
+    if (count == 0)
+        return 0;
+    CVXComWrap<IDomNodeList> children(ar.GetCurrent()->Children());
+    if (children->Count() < count)
+        ThrowNullInterface();
+    return count;
+}
+
+int32_t LoadAttributeCount(CArchiveX &ar, const CVXString &name, const CVXString &prefix) {
+    int32_t count = 0;
+    ar.Load(name, count);
+    if (count < 0 || (count > 0 && !ar.AttributeExists(CArchiveX::ToName(prefix, count - 1))))
+        throw CVXComError(E_INVALIDARG, __FILE__, __LINE__,
+                          CVXString(u"the count under ") + name +
+                              u" is larger than the attributes that follow it");
+    return count;
+}
+
+void SaveRunElement(CArchiveX &ar, const CVXString &name, const ISerObject *object) {
+    if (object)
+        ar.Save(name, object);
+    else
+        ar.AppendChild(name);
+}
+
+CSerObject *AsSerObjectB(CArchiveB &ar, ISerObject *object) {
+    if (!object)
+        return nullptr;
+    if (auto *o = dynamic_cast<CSerObject *>(object))
+        return o;
+    delete object;
+    throw CArchiveBException(CArchiveBException::badClass, ar.GetFileName());
+}
+
+CSerObject *AsSerObjectX(ISerObject *object) {
+    if (!object)
+        return nullptr;
+    if (auto *o = dynamic_cast<CSerObject *>(object))
+        return o;
+    delete object;
+    return nullptr;
+}
+
+} // namespace vx::serial
