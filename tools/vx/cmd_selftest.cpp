@@ -5,6 +5,12 @@
 
 #include "foundation/NumberText.h"
 #include "foundation/VXString.h"
+#include "foundation/VXStringArray.h"
+#include "geometry/Deel.h"
+#include "geometry/VXCoord.h"
+#include "persist/ArchiveB.h"
+#include "persist/ArchiveX.h"
+#include "platform/File.h"
 
 #include <cmath>
 #include <cstdio>
@@ -47,6 +53,38 @@ std::vector<Check> Checks() {
              CVXString s(bytes);
              return s.GetLength() == 2 && s.GetAtU(0) == u'\u20AC' &&
                     std::string(static_cast<const char *>(s)) == bytes;
+         }},
+        {"coordinates and the guarded division",
+         [] {
+             const CVXCoord a(0.0, 0.0), b(3.0, 4.0);
+             return a.dDist(b) == 5.0 && std::isnan(dDeel(1.0, 0.0)) && dDeel(1.0, 4.0) == 0.25;
+         }},
+        {"binary archive round trip",
+         [] {
+             CVXStringArray in, out;
+             in.Add(CVXString(u"a"));
+             CMemFile file;
+             {
+                 CArchiveB ar(&file, CArchiveB::store);
+                 ar.WriteObject(&in);
+             }
+             file.SeekToBegin();
+             CArchiveB ar(&file, CArchiveB::load);
+             ISerObject *o = ar.ReadObject(&CVXStringArray::RTC());
+             auto *back = static_cast<CVXStringArray *>(o);
+             const bool ok = back && back->GetSize() == 1 && back->GetAt(0) == u"a";
+             delete o;
+             return ok;
+         }},
+        {"XML archive round trip",
+         [] {
+             CArchiveX out(false);
+             out.Save(u"d", 0.1);
+             CArchiveX in(true);
+             in.XML(out.XML());
+             double d = 0;
+             in.Load(u"d", d);
+             return d == 0.1;
          }},
     };
 }
