@@ -24,28 +24,19 @@ namespace vx {
 
 VX_IMPLEMENT_SERIAL(CVXStringArray, 0)
 
+// A string takes one byte of the stream at least.
 void CVXStringArray::SerializeB(CArchiveB &ar) {
-    if (ar.IsStoring()) {
-        ar.WriteCount(static_cast<uint32_t>(m_nSize));
-        for (int32_t i = 0; i < m_nSize; ++i)
-            ar << m_pData[i];
-        return;
-    }
-    SetSize(static_cast<int32_t>(ar.ReadCount(1))); // a string takes one byte at least
-    for (int32_t i = 0; i < m_nSize; ++i)
-        ar >> m_pData[i];
+    serial::CountedArrayB(
+        *this, ar, 1, [&](const CVXString &s) { ar << s; },
+        [&] {
+            CVXString s;
+            ar >> s;
+            return s;
+        });
 }
 
 void CVXStringArray::SerializeX(CArchiveX &ar) {
-    if (ar.IsStoring()) {
-        ar.Save(u"m_nSize", m_nSize);
-        for (int32_t i = 0; i < m_nSize; ++i)
-            ar.Save(CArchiveX::ToName(u"szS", i), m_pData[i]);
-        return;
-    }
-    SetSize(serial::LoadAttributeCount(ar, u"m_nSize", u"szS"));
-    for (int32_t i = 0; i < m_nSize; ++i)
-        ar.Load(CArchiveX::ToName(u"szS", i), m_pData[i]);
+    serial::AttributeRunX(*this, ar, u"m_nSize", u"szS");
 }
 
 } // namespace vx

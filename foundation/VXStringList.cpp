@@ -22,18 +22,13 @@ VX_IMPLEMENT_SERIAL(CVXStringList, 0)
 
 // Loading appends: a load into a filled list adds to it.
 void CVXStringList::SerializeB(CArchiveB &ar) {
-    if (ar.IsStoring()) {
-        ar.WriteCount(static_cast<uint32_t>(m_nCount));
-        for (POSITION pos = GetHeadPosition(); pos;)
-            ar << GetNext(pos);
-        return;
-    }
-    const uint32_t n = ar.ReadCount(1);
-    for (uint32_t i = 0; i < n; ++i) {
-        CVXString s;
-        ar >> s;
-        AddTail(s);
-    }
+    serial::CountedListB(
+        *this, ar, 1, [&](const CVXString &s) { ar << s; },
+        [&] {
+            CVXString s;
+            ar >> s;
+            return s;
+        });
 }
 
 void CVXStringList::SerializeX(CArchiveX &ar) {

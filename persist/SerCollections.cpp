@@ -57,35 +57,22 @@ namespace {
 // Each element of a loaded run takes at least the two bytes of its tag.
 constexpr unsigned int kMinObjectBytes = 2;
 
-ISerObject *Plain(ISerObject *o) { return o; }
-
-// The pointer arrays: the count, then each element by WriteObject / ReadObject; slots may be
-// null.
-template <class Array, class Convert>
-void ArrayB(Array &a, CArchiveB &ar, Convert convert) {
-    if (ar.IsStoring()) {
-        ar.WriteCount(static_cast<uint32_t>(a.GetSize()));
-        for (int32_t i = 0; i < a.GetSize(); ++i)
-            ar.WriteObject(a.GetAt(i));
-        return;
-    }
-    a.SetSize(static_cast<int32_t>(ar.ReadCount(kMinObjectBytes)));
-    for (int32_t i = 0; i < a.GetSize(); ++i)
-        a.SetAt(i, convert(ar.ReadObject(nullptr)));
+ISerObject *Plain(ISerObject *o) {
+    return o;
 }
 
-// The pointer lists: the count, then head to tail; loading appends without emptying first.
+template <class Array, class Convert>
+void ArrayB(Array &a, CArchiveB &ar, Convert convert) {
+    serial::CountedArrayB(
+        a, ar, kMinObjectBytes, [&](const ISerObject *o) { ar.WriteObject(o); },
+        [&] { return convert(ar.ReadObject(nullptr)); });
+}
+
 template <class List, class Convert>
 void ListB(List &l, CArchiveB &ar, Convert convert) {
-    if (ar.IsStoring()) {
-        ar.WriteCount(static_cast<uint32_t>(l.GetCount()));
-        for (POSITION pos = l.GetHeadPosition(); pos;)
-            ar.WriteObject(l.GetNext(pos));
-        return;
-    }
-    const uint32_t n = ar.ReadCount(kMinObjectBytes);
-    for (uint32_t i = 0; i < n; ++i)
-        l.AddTail(convert(ar.ReadObject(nullptr)));
+    serial::CountedListB(
+        l, ar, kMinObjectBytes, [&](const ISerObject *o) { ar.WriteObject(o); },
+        [&] { return convert(ar.ReadObject(nullptr)); });
 }
 
 template <class Array, class Convert>
@@ -127,16 +114,28 @@ void ListX(List &l, CArchiveX &ar, Convert convert) {
 void CSerObArray::SerializeB(CArchiveB &ar) {
     ArrayB(*this, ar, [&](ISerObject *o) { return serial::AsSerObjectB(ar, o); });
 }
-void ISerObArray::SerializeB(CArchiveB &ar) { ArrayB(*this, ar, Plain); }
+void ISerObArray::SerializeB(CArchiveB &ar) {
+    ArrayB(*this, ar, Plain);
+}
 void CSerObList::SerializeB(CArchiveB &ar) {
     ListB(*this, ar, [&](ISerObject *o) { return serial::AsSerObjectB(ar, o); });
 }
-void ISerObList::SerializeB(CArchiveB &ar) { ListB(*this, ar, Plain); }
+void ISerObList::SerializeB(CArchiveB &ar) {
+    ListB(*this, ar, Plain);
+}
 
-void CSerObArray::SerializeX(CArchiveX &ar) { ArrayX(*this, ar, serial::AsSerObjectX); }
-void ISerObArray::SerializeX(CArchiveX &ar) { ArrayX(*this, ar, Plain); }
-void CSerObList::SerializeX(CArchiveX &ar) { ListX(*this, ar, serial::AsSerObjectX); }
-void ISerObList::SerializeX(CArchiveX &ar) { ListX(*this, ar, Plain); }
+void CSerObArray::SerializeX(CArchiveX &ar) {
+    ArrayX(*this, ar, serial::AsSerObjectX);
+}
+void ISerObArray::SerializeX(CArchiveX &ar) {
+    ArrayX(*this, ar, Plain);
+}
+void CSerObList::SerializeX(CArchiveX &ar) {
+    ListX(*this, ar, serial::AsSerObjectX);
+}
+void ISerObList::SerializeX(CArchiveX &ar) {
+    ListX(*this, ar, Plain);
+}
 
 // The words in one block, in chunks of at most 0x3FFFFFFF words.
 void CVXWordArray::SerializeB(CArchiveB &ar) {
@@ -159,15 +158,7 @@ void CVXWordArray::SerializeB(CArchiveB &ar) {
 }
 
 void CVXWordArray::SerializeX(CArchiveX &ar) {
-    if (ar.IsStoring()) {
-        ar.Save(u"m_nSize", m_nSize);
-        for (int32_t i = 0; i < m_nSize; ++i)
-            ar.Save(CArchiveX::ToName(u"W", i), m_pData[i]);
-        return;
-    }
-    SetSize(serial::LoadAttributeCount(ar, u"m_nSize", u"W"));
-    for (int32_t i = 0; i < m_nSize; ++i)
-        ar.Load(CArchiveX::ToName(u"W", i), m_pData[i]);
+    serial::AttributeRunX(*this, ar, u"m_nSize", u"W");
 }
 
 } // namespace vx

@@ -4,6 +4,8 @@
 #pragma once
 
 #include "foundation/VXString.h"
+#include "persist/ArchiveB.h"
+#include "persist/ArchiveX.h"
 
 #include <cstdint>
 
@@ -30,6 +32,51 @@ void SaveRunElement(CArchiveX &ar, const CVXString &name, const ISerObject *obje
 // that is a badClass failure, in the XML archive a null element.
 CSerObject *AsSerObjectB(CArchiveB &ar, ISerObject *object);
 CSerObject *AsSerObjectX(ISerObject *object);
+
+// A counted array in the binary archive: the count, then each element by `write`; loading sizes
+// the array by the checked count (each element takes at least `minBytes` of the stream) and
+// fills each slot by `read`.
+template <class Array, class Write, class Read>
+void CountedArrayB(Array &a, CArchiveB &ar, unsigned int minBytes, Write write, Read read) {
+    if (ar.IsStoring()) {
+        ar.WriteCount(static_cast<uint32_t>(a.GetSize()));
+        for (int32_t i = 0; i < a.GetSize(); ++i)
+            write(a.GetAt(i));
+        return;
+    }
+    a.SetSize(static_cast<int32_t>(ar.ReadCount(minBytes)));
+    for (int32_t i = 0; i < a.GetSize(); ++i)
+        a.SetAt(i, read());
+}
+
+// A counted list in the binary archive: the count, then head to tail; loading appends to what
+// the list holds already.
+template <class List, class Write, class Read>
+void CountedListB(List &l, CArchiveB &ar, unsigned int minBytes, Write write, Read read) {
+    if (ar.IsStoring()) {
+        ar.WriteCount(static_cast<uint32_t>(l.GetCount()));
+        for (POSITION pos = l.GetHeadPosition(); pos;)
+            write(l.GetNext(pos));
+        return;
+    }
+    const uint32_t n = ar.ReadCount(minBytes);
+    for (uint32_t i = 0; i < n; ++i)
+        l.AddTail(read());
+}
+
+// A run of values as the attributes prefix0, prefix1... beside a count under `countName`.
+template <class Array>
+void AttributeRunX(Array &a, CArchiveX &ar, const char16_t *countName, const char16_t *prefix) {
+    if (ar.IsStoring()) {
+        ar.Save(countName, a.GetSize());
+        for (int32_t i = 0; i < a.GetSize(); ++i)
+            ar.Save(CArchiveX::ToName(prefix, i), a.GetData()[i]);
+        return;
+    }
+    a.SetSize(LoadAttributeCount(ar, countName, prefix));
+    for (int32_t i = 0; i < a.GetSize(); ++i)
+        ar.Load(CArchiveX::ToName(prefix, i), a.GetData()[i]);
+}
 
 } // namespace serial
 } // namespace vx
