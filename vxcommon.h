@@ -27,6 +27,7 @@
 
 // persist: serialisable objects, collections, archives
 #include "persist/ArchiveB.h"
+#include "persist/ArchiveFiles.h"
 #include "persist/ArchiveX.h"
 #include "persist/Dom.h"
 #include "persist/RTCTree.h"
@@ -39,6 +40,7 @@
 #include "geometry/Deel.h"
 #include "geometry/Extents.h"
 #include "geometry/LineArc.h"
+#include "geometry/PuntInPoly.h"
 #include "geometry/Tolerances.h"
 #include "geometry/VXCoord.h"
 #include "geometry/VXCoordArr.h"
@@ -58,6 +60,8 @@
 #include "geodesy/ProjTM.h"
 
 // transform: matrices, Helmert tables
+#include "transform/Trans.h"
+#include "transform/TransHelmert.h"
 
 // storage: trees, caches, file-backed arrays
 #include "storage/PtrTree.h"

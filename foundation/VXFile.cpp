@@ -43,7 +43,8 @@ std::string TempFolder() {
 std::vector<std::string> MatchingFiles(const CVXString &folder, const CVXString &mask) {
     std::vector<std::string> names;
     std::string pattern = SystemPath(mask);
-    if (pattern == "*.*") pattern = "*";
+    // assign, not = "*": g++ 12 warns falsely on that form
+    if (pattern == "*.*") pattern.assign(1, '*');
     std::error_code ec;
     for (const auto &entry : fs::directory_iterator(SystemPath(folder), ec)) {
         if (!entry.is_regular_file(ec)) continue;

@@ -1,6 +1,7 @@
 #include "foundation/VXODateTime.h"
 
 #include "foundation/NumberText.h"
+#include "persist/ArchiveB.h"
 #include "platform/Resources.h"
 
 #include <algorithm>
@@ -232,6 +233,28 @@ private:
 bool ReadU16(const CVXString &text, int first, int count, uint16_t &out) {
     const CVXString part = text.Mid(first, count);
     return bString2Number(&out, part);
+}
+
+// The field a letter of a FromString pattern stands for (y M d H/h m s), -1 for a separator.
+int PatternField(char16_t letter) {
+    static constexpr char16_t szLetters[] = u"yMdHhms";
+    static constexpr int nFieldOf[] = {0, 1, 2, 3, 3, 4, 5};
+    for (int i = 0; szLetters[i]; ++i)
+        if (szLetters[i] == letter) return nFieldOf[i];
+    return -1;
+}
+
+// The number of a pattern run: the text is skipped to its next digit, then digits are read
+// while the position lies before the end of the run. A text that has ended gives 0xFFFF.
+uint32_t ReadRun(const CVXString &text, int &pos, int runEnd) {
+    const int nText = text.GetLength();
+    while (pos < nText && !IsDigit(text[pos]))
+        ++pos;
+    if (pos >= nText) return nMissingField;
+    uint32_t value = 0;
+    for (; pos < runEnd && pos < nText && IsDigit(text[pos]); ++pos)
+        value = std::min(value * 10 + static_cast<uint32_t>(text[pos] - u'0'), nFieldCap);
+    return value;
 }
 
 // The present local year, for the window of two-digit years.
@@ -522,7 +545,6 @@ bool CVXODateTime::ParseDateTime(const CVXString &text, uint32_t, uint32_t) {
 
 bool CVXODateTime::FromString(const CVXString &text, const CVXString &pattern) {
     uint32_t fields[6] = {nDefaultYear, 1, 1, 0, 0, 0}; // y M d h m s
-    const int nText = text.GetLength();
     const int nPattern = pattern.GetLength();
     // One position walks the pattern and the text together.
     int pos = 0;
@@ -531,25 +553,8 @@ bool CVXODateTime::FromString(const CVXString &text, const CVXString &pattern) {
         int runEnd = pos;
         while (runEnd < nPattern && pattern[runEnd] == letter)
             ++runEnd;
-        static constexpr char16_t szLetters[] = u"yMdHhms";
-        static constexpr int nFieldOf[] = {0, 1, 2, 3, 3, 4, 5};
-        int field = -1;
-        for (int i = 0; szLetters[i]; ++i)
-            if (szLetters[i] == letter) field = nFieldOf[i];
-        if (field >= 0) {
-            while (pos < nText && !IsDigit(text[pos]))
-                ++pos;
-            uint32_t value = nMissingField;
-            if (pos < nText) {
-                value = 0;
-                while (pos < runEnd && pos < nText && IsDigit(text[pos])) {
-                    value =
-                        std::min(value * 10 + static_cast<uint32_t>(text[pos] - u'0'), nFieldCap);
-                    ++pos;
-                }
-            }
-            fields[field] = value;
-        }
+        const int field = PatternField(letter);
+        if (field >= 0) fields[field] = ReadRun(text, pos, runEnd);
         pos = std::max(pos, runEnd);
     }
     int year = static_cast<int>(fields[0]);
@@ -604,6 +609,17 @@ bool CVXODateTime::FromISODateTime(const CVXString &text) {
     if (!FromSystemTime(st)) return false;
     *this += COleDateTimeSpan(0, factor * hours, factor * minutes, 0);
     return m_status == valid;
+}
+
+// The status as a 32-bit long, then the value.
+void CVXODateTime::SerializeB(CArchiveB &ar) {
+    if (ar.IsStoring()) {
+        ar << static_cast<int32_t>(m_status) << m_dt;
+        return;
+    }
+    int32_t status = 0;
+    ar >> status >> m_dt;
+    m_status = static_cast<DateTimeStatus>(status);
 }
 
 } // namespace vx

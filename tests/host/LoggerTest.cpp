@@ -73,41 +73,38 @@ std::string MaskStamps(const std::string &text) {
     return out;
 }
 
+// Initializes the log in the directory; the name of the file it opened.
+std::string OpenIn(const TempDir &dir) {
+    NLogger::Initialize(CVXString(dir.path().c_str()));
+    const std::string path = Path(NLogger::GetLogPath());
+    return path.substr(0, dir.path().size() + 1) == dir.path() + "/"
+               ? path.substr(dir.path().size() + 1)
+               : "(" + path + ")";
+}
+
 } // namespace
 
 TEST(Logger, TheRingTurnsByTheNewestFile) {
-    TempDir dir;
     const std::string host = Host();
-    NLogger::Initialize(CVXString(dir.path().c_str()));
-    EXPECT_EQ(Path(NLogger::GetLogPath()), dir.file(host + "0.log")); // no file yet
-    NLogger::Initialize(CVXString(dir.path().c_str()));
-    EXPECT_EQ(Path(NLogger::GetLogPath()), dir.file(host + "1.log")); // one file, any name
+    TempDir dir, ring, odd, single;
+    EXPECT_EQ(OpenIn(dir), host + "0.log"); // no file yet
+    EXPECT_EQ(OpenIn(dir), host + "1.log"); // one file, whatever it is called
 
-    TempDir ring;
     Touch(ring.file(host + "3.log"), 1000);
     Touch(ring.file(host + "9.log"), 3000);
     Touch(ring.file(host + "5.log"), 2000);
-    Touch(ring.file("other9.log"), 4000); // another machine's file
-    NLogger::Initialize(CVXString(ring.path().c_str()));
-    EXPECT_EQ(Path(NLogger::GetLogPath()), ring.file(host + "0.log")); // after 9 comes 0
-
-    Touch(ring.file(host + "0.log"), 1500); // older than 9: 9 stays the newest
-    NLogger::Initialize(CVXString(ring.path().c_str()));
-    EXPECT_EQ(Path(NLogger::GetLogPath()), ring.file(host + "0.log"));
+    Touch(ring.file("other9.log"), 4000);    // another machine's file
+    EXPECT_EQ(OpenIn(ring), host + "0.log"); // after 9 comes 0
+    Touch(ring.file(host + "0.log"), 1500);  // older than 9: 9 stays the newest
+    EXPECT_EQ(OpenIn(ring), host + "0.log");
     Touch(ring.file(host + "4.log"), 4000000000); // newer than the file just opened
-    NLogger::Initialize(CVXString(ring.path().c_str()));
-    EXPECT_EQ(Path(NLogger::GetLogPath()), ring.file(host + "5.log"));
+    EXPECT_EQ(OpenIn(ring), host + "5.log");
 
-    TempDir odd;
     Touch(odd.file(host + "x.log"), 2000);
     Touch(odd.file(host + "7.log"), 1000);
-    NLogger::Initialize(CVXString(odd.path().c_str()));
-    EXPECT_EQ(Path(NLogger::GetLogPath()), odd.file(host + "0.log")); // newest has no digit
-
-    TempDir single;
+    EXPECT_EQ(OpenIn(odd), host + "0.log"); // the newest has no digit
     Touch(single.file(host + "Q.txt"), 1000);
-    NLogger::Initialize(CVXString(single.path().c_str()));
-    EXPECT_EQ(Path(NLogger::GetLogPath()), single.file(host + "1.log"));
+    EXPECT_EQ(OpenIn(single), host + "1.log");
 }
 
 TEST(Logger, AnOpenFileStartsEmptyInUtf8) {
@@ -115,13 +112,10 @@ TEST(Logger, AnOpenFileStartsEmptyInUtf8) {
     const std::string host = Host();
     Touch(dir.file(host + "0.log"), 1000, {'o', 'l', 'd'});
     Touch(dir.file(host + "9.log"), 2000);
-    NLogger::Initialize(CVXString(dir.path().c_str()));
-    const std::string path = Path(NLogger::GetLogPath());
-    ASSERT_EQ(path, dir.file(host + "0.log"));
+    ASSERT_EQ(OpenIn(dir), host + "0.log");
     NLogger::LogMessage(NLogger::Error, u"gr\u00fc\u00df \u20ac");
-    EXPECT_EQ(Contents(path), kBom + " gr\xC3\xBC\xC3\x9F \xE2\x82\xAC\n"); // "old" is gone
-    NLogger::Initialize(CVXString(dir.path().c_str())); // the file just written is the newest
-    EXPECT_EQ(Path(NLogger::GetLogPath()), dir.file(host + "1.log"));
+    EXPECT_EQ(Contents(dir.file(host + "0.log")), kBom + " gr\xC3\xBC\xC3\x9F \xE2\x82\xAC\n");
+    EXPECT_EQ(OpenIn(dir), host + "1.log"); // the file just written is the newest
 }
 
 TEST(Logger, TheDefaultDirectoryIsTmpdir) {
@@ -134,8 +128,7 @@ TEST(Logger, TheDefaultDirectoryIsTmpdir) {
 TEST(Logger, FilterAndFlush) {
     VerbosityGuard guard;
     TempDir dir;
-    NLogger::Initialize(CVXString(dir.path().c_str()));
-    const std::string path = Path(NLogger::GetLogPath());
+    const std::string path = dir.file(OpenIn(dir));
     NLogger::Verbosity(1);
     EXPECT_EQ(NLogger::Verbosity(), 1);
     NLogger::LogMessage(NLogger::Warning, u"not written");
@@ -153,8 +146,7 @@ TEST(Logger, FilterAndFlush) {
 TEST(Logger, LineForms) {
     VerbosityGuard guard;
     TempDir dir;
-    NLogger::Initialize(CVXString(dir.path().c_str()));
-    const std::string path = Path(NLogger::GetLogPath());
+    const std::string path = dir.file(OpenIn(dir));
     NLogger::Verbosity(3);
     NLogger::LogMessage(u"Reader", NLogger::Warning, u"line 3");
     NLogger::LogMessageNoNL(NLogger::Info, u"part");
@@ -171,8 +163,7 @@ TEST(Logger, LineForms) {
 
 TEST(Logger, ReportsOfAssertionsAndPromptsGoToTheLog) {
     TempDir dir;
-    NLogger::Initialize(CVXString(dir.path().c_str()));
-    const std::string path = Path(NLogger::GetLogPath());
+    const std::string path = dir.file(OpenIn(dir));
     AssertReport("n > 0", "geometry/Snij.cpp", 42);
     SetUserPrompt(nullptr);
     GetUserPrompt().ShowMessage(u"disk full", IUserPrompt::IconError);
