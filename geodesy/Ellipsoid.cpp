@@ -2,6 +2,8 @@
 
 #include "geodesy/GeodesyResources.h"
 #include "geometry/VXCoord.h"
+#include "persist/ArchiveB.h"
+#include "persist/ArchiveX.h"
 #include "platform/VXTypes.h"
 
 #include <cmath>
@@ -136,11 +138,37 @@ void CEllipsoid::Initialize(EllipsoidType type, double a, double invFlatt) {
     m_dEccentr = std::sqrt(2.0 * f - f * f);
 }
 
-// Binary: int32 type, a, 1/f (schema 1: a, 1/f, e, keyword), then Initialize.
-void CEllipsoid::SerializeB(CArchiveB &, int) {}
+void CEllipsoid::SerializeB(CArchiveB &ar, int schema) {
+    if (ar.IsStoring()) {
+        ar << static_cast<int32_t>(m_nType) << m_dSemiMajAx << m_dInvFlatt;
+        return;
+    }
+    int32_t type = USER;
+    double a = 0.0;
+    double invFlatt = 0.0;
+    if (schema == 1) {
+        // The old layout: numbers first, then the keyword; an unknown keyword stays USER.
+        double eccentr = 0.0;
+        CVXString keyword;
+        ar >> a >> invFlatt >> eccentr >> keyword;
+        for (unsigned int i = 0; i < g_nEllipsoids; ++i)
+            if (keyword.Compare(s_Ellipsoids[i].szKeyword) == 0) type = static_cast<int32_t>(i);
+    } else {
+        ar >> type >> a >> invFlatt;
+    }
+    Initialize(static_cast<EllipsoidType>(type), a, invFlatt);
+}
 
-// XML: "EllipsoidType" through EllipsoidTypeConv, "m_dSemiMajAx", "m_dInvFlatt", then Initialize.
-void CEllipsoid::SerializeX(CArchiveX &) {}
+void CEllipsoid::SerializeX(CArchiveX &ar) {
+    EllipsoidType type = m_nType;
+    if (ar.IsStoring())
+        SaveEllipsoidType(ar, type);
+    else
+        LoadEllipsoidType(ar, type);
+    ar.Serialize(u"m_dSemiMajAx", m_dSemiMajAx);
+    ar.Serialize(u"m_dInvFlatt", m_dInvFlatt);
+    if (ar.IsLoading()) Initialize(type, m_dSemiMajAx, m_dInvFlatt);
+}
 
 double CEllipsoid::dNRadCurv(double lat) const {
     const double s = std::sin(lat);
@@ -219,6 +247,24 @@ CEllipsoid::EllipsoidType CEllipsoid::ToEllipsoidType(const CVXString &keyword) 
     for (; p->szKeyword != nullptr; ++p)
         if (keyword.Compare(p->szKeyword) == 0) break;
     return p->value;
+}
+
+void CEllipsoid::SaveIt(CArchiveX &ar, const CVXString &key, EllipsoidType type) {
+    ar.Save(key, FromEllipsoidType(type));
+}
+
+void CEllipsoid::LoadIt(CArchiveX &ar, const CVXString &key, EllipsoidType &type) {
+    CVXString keyword;
+    ar.Load(key, keyword);
+    type = ToEllipsoidType(keyword);
+}
+
+void CEllipsoid::SaveEllipsoidType(CArchiveX &ar, EllipsoidType type) {
+    SaveIt(ar, u"EllipsoidType", type);
+}
+
+void CEllipsoid::LoadEllipsoidType(CArchiveX &ar, EllipsoidType &type) {
+    LoadIt(ar, u"EllipsoidType", type);
 }
 
 unsigned int GetNELLIPSOIDS() {

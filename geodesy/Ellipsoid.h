@@ -94,8 +94,9 @@ public:
     CEllipsoid &operator=(const CEllipsoid &other) = default;
     ~CEllipsoid() = default;
 
-    // The persistence work fills these in. Binary: type (int32), a, 1/f (schema 1: a, 1/f, e,
-    // keyword); XML: "EllipsoidType", "m_dSemiMajAx", "m_dInvFlatt"; both end in Initialize.
+    // Binary: type (int32), a, 1/f; loading schema 1 (the old layout) reads a, 1/f, e and the
+    // keyword instead. XML: "EllipsoidType", "m_dSemiMajAx", "m_dInvFlatt". Loading ends in
+    // Initialize, so a named type takes its table values and e is recomputed.
     virtual void SerializeB(CArchiveB &ar, int schema);
     virtual void SerializeX(CArchiveX &ar);
 
@@ -127,6 +128,12 @@ public:
     static CVXString FromEllipsoidType(EllipsoidType &type);
     // The conversion-table value of `keyword`; the terminator's USER when unknown.
     static EllipsoidType ToEllipsoidType(const CVXString &keyword);
+    // The type as its conversion-table keyword under `key`, and back.
+    static void SaveIt(CArchiveX &ar, const CVXString &key, EllipsoidType type);
+    static void LoadIt(CArchiveX &ar, const CVXString &key, EllipsoidType &type);
+    // The same under the key "EllipsoidType".
+    static void SaveEllipsoidType(CArchiveX &ar, EllipsoidType type);
+    static void LoadEllipsoidType(CArchiveX &ar, EllipsoidType &type);
 
 private:
     void Initialize(EllipsoidType type, double a, double invFlatt);

@@ -595,4 +595,9 @@ void CProjection_LAMBERT2008::LOCAL2ETRS(CEllCoord &ell, const CVXCoord &xy) {
     ell.SetHgt(PlusGeoid(h, GeoidAt(nGeoidBelgium, ell.dGetLat(), ell.dGetLon())));
 }
 
+VX_IMPLEMENT_SERIAL(CProjection_RDNAPTRANS2004, nProjectionSchema)
+VX_IMPLEMENT_SERIAL(CProjection_RDNAPTRANS2008, nProjectionSchema)
+VX_IMPLEMENT_SERIAL(CProjection_RD2000, nProjectionSchema)
+VX_IMPLEMENT_SERIAL(CProjection_LAMBERT72CORR, nProjectionSchema)
+
 } // namespace vx

@@ -20,6 +20,7 @@
 namespace vx {
 
 class CProjection_RDNAPTRANS2004 : public CProjection_RD {
+    VX_DECLARE_SERIAL(CProjection_RDNAPTRANS2004)
 public:
     CProjection_RDNAPTRANS2004();
     CProjection_RDNAPTRANS2004(const CProjection_RDNAPTRANS2004 &) = delete;
@@ -60,6 +61,7 @@ private:
 };
 
 class CProjection_RDNAPTRANS2008 : public CProjection_RDNAPTRANS2004 {
+    VX_DECLARE_SERIAL(CProjection_RDNAPTRANS2008)
 public:
     CProjection_RDNAPTRANS2008();
 
@@ -87,12 +89,14 @@ protected:
 // Type 13 ("RDNAPTRANS", "RD(incl. correction grid)"), the name older files and hosts use; it
 // computes exactly as RDNAPTRANS2008.
 class CProjection_RD2000 : public CProjection_RDNAPTRANS2008 {
+    VX_DECLARE_SERIAL(CProjection_RD2000)
 public:
     CProjection_RD2000();
     COutputSystem *pCopy() const override;
 };
 
 class CProjection_LAMBERT72CORR : public CProjection_LAMBERT72 {
+    VX_DECLARE_SERIAL(CProjection_LAMBERT72CORR)
 public:
     CProjection_LAMBERT72CORR();
     CProjection_LAMBERT72CORR(const CProjection_LAMBERT72CORR &) = delete;

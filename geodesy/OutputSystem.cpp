@@ -11,6 +11,8 @@
 #include "geodesy/ProjSwiss.h"
 #include "geodesy/ProjTM.h"
 #include "geometry/VXCoord.h"
+#include "persist/ArchiveB.h"
+#include "persist/ArchiveX.h"
 
 #include <cmath>
 #include <memory>
@@ -96,8 +98,35 @@ COutputSystem::~COutputSystem() {
     delete m_pEllipsoid;
 }
 
-void COutputSystem::SerializeX(CArchiveX &) {}
-void COutputSystem::SerializeB(CArchiveB &) {}
+void COutputSystem::SerializeB(CArchiveB &ar) {
+    // Read once, before anything else: a second call would give "not set".
+    const int schema = static_cast<int>(ar.GetObjectSchema());
+    double *const fields[] = {&m_dLonOriginCM,  &m_dLatOrigin,    &m_dStandPar1,    &m_dStandPar2,
+                              &m_dProjScaleFac, &m_dFalseEasting, &m_dFalseNorthing};
+    if (ar.IsStoring()) {
+        for (double *d : fields)
+            ar << *d;
+        ar << m_szProjectionName << m_szTrav3ProjectionName;
+    } else {
+        for (double *d : fields)
+            ar >> *d;
+        ar >> m_szProjectionName >> m_szTrav3ProjectionName;
+    }
+    m_pEllipsoid->SerializeB(ar, schema);
+}
+
+void COutputSystem::SerializeX(CArchiveX &ar) {
+    ar.Serialize(u"m_dLonOriginCM", m_dLonOriginCM);
+    ar.Serialize(u"m_dLatOrigin", m_dLatOrigin);
+    ar.Serialize(u"m_dStandPar1", m_dStandPar1);
+    ar.Serialize(u"m_dStandPar2", m_dStandPar2);
+    ar.Serialize(u"m_dProjScaleFac", m_dProjScaleFac);
+    ar.Serialize(u"m_dFalseEasting", m_dFalseEasting);
+    ar.Serialize(u"m_dFalseNorthing", m_dFalseNorthing);
+    ar.Serialize(u"m_szProjectionName", m_szProjectionName);
+    ar.Serialize(u"m_szTrav3ProjectionName", m_szTrav3ProjectionName);
+    m_pEllipsoid->SerializeX(ar);
+}
 
 void COutputSystem::Dump(CDumpContext &dc) const {
     dc << "COutputSystem " << m_szTrav3ProjectionName << " lon0 " << m_dLonOriginCM << " lat0 "

@@ -10,6 +10,7 @@
 
 #include "foundation/VXString.h"
 #include "geodesy/Ellipsoid.h"
+#include "persist/RuntimeCreator.h"
 #include "persist/SerObject.h"
 
 #include <cstdint>
@@ -41,6 +42,10 @@ enum ProjectionType : int32_t {
     PT_RDNAPTRANS2004 = 18
 };
 
+// The schema of every projection class: versionable, format 2. Format 1 held the ellipsoid in
+// its old layout (a, 1/f, e, keyword), which the ellipsoid's reader still takes.
+inline constexpr uint32_t nProjectionSchema = VERSIONABLE_SCHEMA | 2u;
+
 // The value of a parameter that a projection type does not use.
 inline constexpr double dUnusedParameter = -2.0;
 
@@ -53,10 +58,10 @@ public:
     COutputSystem &operator=(const COutputSystem &) = default;
     ~COutputSystem() override;
 
-    // The persistence work fills these in. Binary (after the object schema): the seven doubles in
-    // field order, m_szProjectionName, m_szTrav3ProjectionName, the ellipsoid. XML:
-    // "m_dLonOriginCM"
-    // ... "m_dFalseNorthing", "m_szProjectionName", "m_szTrav3ProjectionName", the ellipsoid.
+    // The seven doubles in field order, m_szProjectionName, m_szTrav3ProjectionName, then the
+    // ellipsoid (binary: in the layout the object schema names). Type, edit flags, user name and
+    // transformation name are not stored: the created class supplies them. Kept so on purpose,
+    // as files hold no type: a LOCAL stereographic returns as STEREOGRAPHIC with its names.
     using CSerObject::SerializeX;
     void SerializeX(CArchiveX &ar) override;
     void SerializeB(CArchiveB &ar) override;

@@ -3,6 +3,8 @@
 #include "geodesy/Angles.h"
 #include "geodesy/ProjMath.h"
 #include "geometry/VXCoord.h"
+#include "persist/ArchiveB.h"
+#include "persist/ArchiveX.h"
 
 #include <cmath>
 
@@ -45,8 +47,19 @@ CProjection_LB::CProjection_LB(ProjectionType type, CEllipsoid *pEllipsoid, cons
                                const char *szEditFlags)
     : COutputSystem(type, pEllipsoid, par, szEditFlags) {}
 
-void CProjection_LB::SerializeX(CArchiveX &) {}
-void CProjection_LB::SerializeB(CArchiveB &) {}
+void CProjection_LB::SerializeX(CArchiveX &ar) {
+    COutputSystem::SerializeX(ar);
+    ar.Serialize(u"m_dProjScaleFac0", m_dProjScaleFac0);
+    ar.Serialize(u"m_dStandPar0", m_dStandPar0);
+}
+
+void CProjection_LB::SerializeB(CArchiveB &ar) {
+    COutputSystem::SerializeB(ar);
+    if (ar.IsStoring())
+        ar << m_dProjScaleFac0 << m_dStandPar0;
+    else
+        ar >> m_dProjScaleFac0 >> m_dStandPar0;
+}
 
 void CProjection_LB::EllToProjection(CVXCoord &xy, CEllCoord ell) {
     const double e = dGetEccentr();
@@ -201,5 +214,11 @@ void CProjection_LAMBERT72Old::ProjectionToEll(CEllCoord &ell, CVXCoord xy) {
     ell.SetLatLon(lat, dLonOut(lon, false));
     ell.SetHgt(xy.dGetZ());
 }
+
+VX_IMPLEMENT_SERIAL(CProjection_LB_LAMBERT1, nProjectionSchema)
+VX_IMPLEMENT_SERIAL(CProjection_LB_LAMBERT2, nProjectionSchema)
+VX_IMPLEMENT_SERIAL(CProjection_LAMBERT72, nProjectionSchema)
+VX_IMPLEMENT_SERIAL(CProjection_LAMBERT2008, nProjectionSchema)
+VX_IMPLEMENT_SERIAL(CProjection_LAMBERT72Old, nProjectionSchema)
 
 } // namespace vx

@@ -14,7 +14,7 @@ namespace vx {
 
 class CProjection_LB : public COutputSystem {
 public:
-    // The persistence work adds m_dProjScaleFac0 then m_dStandPar0 ("m_dProjScaleFac0",
+    // The serial forms add m_dProjScaleFac0 then m_dStandPar0 ("m_dProjScaleFac0",
     // "m_dStandPar0") behind the base fields.
     using COutputSystem::SerializeX;
     void SerializeX(CArchiveX &ar) override;
@@ -35,6 +35,7 @@ protected:
 };
 
 class CProjection_LB_LAMBERT1 : public CProjection_LB {
+    VX_DECLARE_SERIAL(CProjection_LB_LAMBERT1)
 public:
     CProjection_LB_LAMBERT1();
     CProjection_LB_LAMBERT1(double lon, double lat, double par1, double scale, double east,
@@ -43,6 +44,7 @@ public:
 };
 
 class CProjection_LB_LAMBERT2 : public CProjection_LB {
+    VX_DECLARE_SERIAL(CProjection_LB_LAMBERT2)
 public:
     CProjection_LB_LAMBERT2();
     CProjection_LB_LAMBERT2(double lon, double lat, double par1, double par2, double east,
@@ -57,6 +59,7 @@ protected:
 };
 
 class CProjection_LAMBERT72 : public CProjection_LB_LAMBERT2 {
+    VX_DECLARE_SERIAL(CProjection_LAMBERT72)
 public:
     CProjection_LAMBERT72();
     COutputSystem *pCopy() const override;
@@ -71,6 +74,7 @@ protected:
 };
 
 class CProjection_LAMBERT2008 : public CProjection_LB_LAMBERT2 {
+    VX_DECLARE_SERIAL(CProjection_LAMBERT2008)
 public:
     CProjection_LAMBERT2008();
     COutputSystem *pCopy() const override;
@@ -81,6 +85,7 @@ public:
 };
 
 class CProjection_LAMBERT72Old : public COutputSystem {
+    VX_DECLARE_SERIAL(CProjection_LAMBERT72Old)
 public:
     CProjection_LAMBERT72Old();
     COutputSystem *pCopy() const override;

@@ -29,4 +29,6 @@ void CProjection_NONE::ProjectionToEll(CEllCoord &ell, CVXCoord xy) {
     ell.SetHgt(xy.dGetZ());
 }
 
+VX_IMPLEMENT_SERIAL(CProjection_NONE, nProjectionSchema)
+
 } // namespace vx

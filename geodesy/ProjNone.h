@@ -7,6 +7,7 @@
 namespace vx {
 
 class CProjection_NONE : public COutputSystem {
+    VX_DECLARE_SERIAL(CProjection_NONE)
 public:
     CProjection_NONE();
     explicit CProjection_NONE(const CEllipsoid &ellipsoid);

@@ -135,4 +135,7 @@ COutputSystem *CProjection_MRSO::pCopy() const {
     return new CProjection_MRSO();
 }
 
+VX_IMPLEMENT_SERIAL(CProjection_BRSO, nProjectionSchema)
+VX_IMPLEMENT_SERIAL(CProjection_MRSO, nProjectionSchema)
+
 } // namespace vx

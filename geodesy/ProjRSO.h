@@ -32,6 +32,7 @@ protected:
 };
 
 class CProjection_BRSO : public CProjection_RSO {
+    VX_DECLARE_SERIAL(CProjection_BRSO)
 public:
     CProjection_BRSO();
     CProjection_BRSO(double east, double north);
@@ -39,6 +40,7 @@ public:
 };
 
 class CProjection_MRSO : public CProjection_RSO {
+    VX_DECLARE_SERIAL(CProjection_MRSO)
 public:
     CProjection_MRSO();
     COutputSystem *pCopy() const override;

@@ -13,15 +13,23 @@ namespace {
 constexpr double u = dUnusedParameter;
 
 // The conformal sphere: n the exponent of the longitude, B0 the spherical latitude of origin,
-// R the radius, K the constant of the latitude mapping.
+// R the radius, K the constant of the latitude mapping; sinB0 and cosB0 are kept with it so that
+// the projection does not take them at every point.
 struct SSphere {
     double n, B0, R, K;
+    double sinB0 = 0.0, cosB0 = 0.0;
 };
+
+SSphere WithTrig(SSphere s) {
+    s.sinB0 = std::sin(s.B0);
+    s.cosB0 = std::cos(s.B0);
+    return s;
+}
 
 // The sphere of the Dutch national grid, fixed to the digits of its definition.
 const SSphere &RDSphere() {
-    static const SSphere s{1.0004758566800001, DegToRad(52.121097249000002), 6382644.5710000005,
-                           0.0037739538320000002};
+    static const SSphere s = WithTrig({1.0004758566800001, DegToRad(52.121097249000002),
+                                       6382644.5710000005, 0.0037739538320000002});
     return s;
 }
 
@@ -34,7 +42,7 @@ SSphere SphereAt(const CEllipsoid &ell, double lat0) {
     s.B0 = std::asin(std::sin(lat0) / s.n);
     s.R = std::sqrt(ell.dMRadCurv(lat0) * ell.dNRadCurv(lat0));
     s.K = std::log(std::tan(dPi / 4.0 + s.B0 / 2.0)) - dIso(lat0, e) * s.n;
-    return s;
+    return WithTrig(s);
 }
 
 struct SPlane {
@@ -50,7 +58,7 @@ void Forward(const SSphere &s, const SPlane &pl, double e, double lat, double dL
     const double A = dLon * s.n;
     const double sb = std::sin((B - s.B0) / 2.0);
     const double sa = std::sin(A / 2.0);
-    const double s2 = sb * sb + sa * sa * std::cos(B) * std::cos(s.B0);
+    const double s2 = sb * sb + sa * sa * std::cos(B) * s.cosB0;
     const double sq = std::sqrt(s2);
     const double c = std::sqrt(1.0 - sq * sq);
     const double d = 2.0 * sq * c;
@@ -61,7 +69,7 @@ void Forward(const SSphere &s, const SPlane &pl, double e, double lat, double dL
     }
     const double r = 2.0 * pl.k * s.R * sq / c;
     x = (std::sin(A) * std::cos(B) / d) * r + pl.FE;
-    y = ((std::sin(B) - std::sin(s.B0) * (1.0 - 2.0 * sq * sq)) / (std::cos(s.B0) * d)) * r + pl.FN;
+    y = ((std::sin(B) - s.sinB0 * (1.0 - 2.0 * sq * sq)) / (s.cosB0 * d)) * r + pl.FN;
 }
 
 // Plane to ellipsoid; dLon is the longitude difference from the central meridian.
@@ -72,7 +80,7 @@ void Inverse(const SSphere &s, const SPlane &pl, double e, double x, double y, d
     double r = std::sqrt(dx * dx + dy * dy);
     if (r < dFloatMinGuard) r = dFloatMinGuard;
     const double psi = 2.0 * std::atan(r / (2.0 * pl.k * s.R));
-    const double sinB = std::cos(s.B0) * (dy / r) * std::sin(psi) + std::sin(s.B0) * std::cos(psi);
+    const double sinB = s.cosB0 * (dy / r) * std::sin(psi) + s.sinB0 * std::cos(psi);
     const double B = std::asin(sinB);
     // The asin confines the longitude difference to a quarter turn on the sphere.
     dLon = std::asin(std::sin(psi) * (dx / r) / std::cos(B)) / s.n;
@@ -86,6 +94,13 @@ void Inverse(const SSphere &s, const SPlane &pl, double e, double x, double y, d
         if (change <= dLatIterTol) break;
     }
     lat = p;
+}
+
+// The sphere of a general stereographic projection depends on the ellipsoid and the latitude of
+// origin only: taken once per parameter set.
+const SSphere &CachedSphere(const CEllipsoid &ell, double lat0) {
+    return CachedPerThread([&] { return SphereAt(ell, lat0); }, ell.dGetSemiMajAx(),
+                           ell.dGetEccentr(), lat0);
 }
 
 } // namespace
@@ -108,7 +123,7 @@ COutputSystem *CProjection_STEREOGRAPHIC::pCopy() const {
 void CProjection_STEREOGRAPHIC::EllToProjection(CVXCoord &xy, CEllCoord ell) {
     double x = 0.0;
     double y = 0.0;
-    Forward(SphereAt(*m_pEllipsoid, m_dLatOrigin),
+    Forward(CachedSphere(*m_pEllipsoid, m_dLatOrigin),
             {m_dProjScaleFac, m_dFalseEasting, m_dFalseNorthing}, dGetEccentr(), ell.dGetLat(),
             dWrapLon(ell.dGetLon()), true, x, y);
     SetProjected(xy, x, y, ell.dGetHgt());
@@ -117,7 +132,7 @@ void CProjection_STEREOGRAPHIC::EllToProjection(CVXCoord &xy, CEllCoord ell) {
 void CProjection_STEREOGRAPHIC::ProjectionToEll(CEllCoord &ell, CVXCoord xy) {
     double lat = 0.0;
     double dLon = 0.0;
-    Inverse(SphereAt(*m_pEllipsoid, m_dLatOrigin),
+    Inverse(CachedSphere(*m_pEllipsoid, m_dLatOrigin),
             {m_dProjScaleFac, m_dFalseEasting, m_dFalseNorthing}, dGetEccentr(), xy.dGetX(),
             xy.dGetY(), lat, dLon);
     ell.SetLatLon(lat, dLonOut(dLon + m_dLonOriginCM, false));
@@ -152,5 +167,8 @@ void CProjection_RD::ProjectionToEll(CEllCoord &ell, CVXCoord xy) {
     ell.SetLatLon(lat, dLonOut(dLon + m_dLonOriginCM, false));
     ell.SetHgt(xy.dGetZ());
 }
+
+VX_IMPLEMENT_SERIAL(CProjection_STEREOGRAPHIC, nProjectionSchema)
+VX_IMPLEMENT_SERIAL(CProjection_RD, nProjectionSchema)
 
 } // namespace vx

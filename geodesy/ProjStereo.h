@@ -11,6 +11,7 @@
 namespace vx {
 
 class CProjection_STEREOGRAPHIC : public COutputSystem {
+    VX_DECLARE_SERIAL(CProjection_STEREOGRAPHIC)
 public:
     // `type` is PT_LOCAL (6) or PT_STEREOGRAPHIC (8): the same mathematics under two names.
     explicit CProjection_STEREOGRAPHIC(ProjectionType type = PT_STEREOGRAPHIC);
@@ -23,6 +24,7 @@ public:
 };
 
 class CProjection_RD : public COutputSystem {
+    VX_DECLARE_SERIAL(CProjection_RD)
 public:
     CProjection_RD();
 

@@ -84,4 +84,6 @@ void CProjection_SWISS::ProjectionToEll(CEllCoord &ell, CVXCoord xy) {
     ell.SetHgt(xy.dGetZ());
 }
 
+VX_IMPLEMENT_SERIAL(CProjection_SWISS, nProjectionSchema)
+
 } // namespace vx

@@ -8,6 +8,7 @@
 namespace vx {
 
 class CProjection_SWISS : public COutputSystem {
+    VX_DECLARE_SERIAL(CProjection_SWISS)
 public:
     CProjection_SWISS();
     CProjection_SWISS(double east, double north);

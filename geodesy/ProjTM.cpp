@@ -1,6 +1,7 @@
 #include "geodesy/ProjTM.h"
 
 #include "geodesy/Angles.h"
+#include "geodesy/ProjMath.h"
 #include "geometry/VXCoord.h"
 
 #include <cmath>
@@ -54,6 +55,23 @@ double Arc(const STMConst &k, double p) {
            std::sin(p) * std::cos(p) * (k.A1 + k.A2 * C + k.A3 * C * C + k.A4 * C * C * C);
 }
 
+// What depends on the parameters alone: the ellipsoid's constants and the scaled meridian arc to
+// the latitude of origin, computed once per parameter set instead of at every point.
+struct STMFixed {
+    STMConst c;
+    double kArc0;
+};
+
+const STMFixed &Fixed(double a, double e, double lat0, double k) {
+    return CachedPerThread(
+        [&] {
+            STMFixed fx{TMConst(a, e), 0.0};
+            fx.kArc0 = k * Arc(fx.c, lat0);
+            return fx;
+        },
+        a, e, lat0, k);
+}
+
 // The footpoint latitude of the rectifying latitude m.
 double Footpoint(const STMConst &k, double m) {
     const double C = std::cos(m) * std::cos(m);
@@ -63,7 +81,8 @@ double Footpoint(const STMConst &k, double m) {
 } // namespace
 
 void CProjection_TM::EllToProjection(CVXCoord &xy, CEllCoord ell) {
-    const STMConst c = TMConst(dGetSemiMajAx(), dGetEccentr());
+    const STMFixed &fx = Fixed(dGetSemiMajAx(), dGetEccentr(), m_dLatOrigin, m_dProjScaleFac);
+    const STMConst &c = fx.c;
     const double k = m_dProjScaleFac;
     const double phi = ell.dGetLat();
     const double sphi = std::sin(phi);
@@ -82,7 +101,7 @@ void CProjection_TM::EllToProjection(CVXCoord &xy, CEllCoord ell) {
                   L2 * ((5.0 - 18.0 * t2 + t4 + (14.0 - 58.0 * t2) * h) * 0.0083333333333333332 +
                         (61.0 - 479.0 * t2 + 179.0 * t4 - t4 * t2) * 0.0001984126984126984 * L2))) +
         m_dFalseEasting;
-    const double y = k * Arc(c, phi) - k * Arc(c, m_dLatOrigin) + m_dFalseNorthing +
+    const double y = k * Arc(c, phi) - fx.kArc0 + m_dFalseNorthing +
                      N * 0.5 * t * L2 *
                          (1.0 + L2 * (((4.0 * h + 9.0) * h + 5.0 - t2) * 0.083333333333333329 +
                                       ((270.0 - 330.0 * t2) * h + 61.0 - 58.0 * t2 + t4) *
@@ -91,9 +110,10 @@ void CProjection_TM::EllToProjection(CVXCoord &xy, CEllCoord ell) {
 }
 
 void CProjection_TM::ProjectionToEll(CEllCoord &ell, CVXCoord xy) {
-    const STMConst c = TMConst(dGetSemiMajAx(), dGetEccentr());
+    const STMFixed &fx = Fixed(dGetSemiMajAx(), dGetEccentr(), m_dLatOrigin, m_dProjScaleFac);
+    const STMConst &c = fx.c;
     const double k = m_dProjScaleFac;
-    const double m = ((xy.dGetY() - m_dFalseNorthing) + k * Arc(c, m_dLatOrigin)) / (k * c.G);
+    const double m = ((xy.dGetY() - m_dFalseNorthing) + fx.kArc0) / (k * c.G);
     const double f = Footpoint(c, m);
     const double sf = std::sin(f);
     const double t = std::tan(f);
@@ -167,5 +187,10 @@ CProjection_TM_SOUTH::CProjection_TM_SOUTH(double lon, const CEllipsoid &ellipso
 COutputSystem *CProjection_TM_SOUTH::pCopy() const {
     return new CProjection_TM_SOUTH(m_dLonOriginCM, *m_pEllipsoid);
 }
+
+VX_IMPLEMENT_SERIAL(CProjection_TM_TM, nProjectionSchema)
+VX_IMPLEMENT_SERIAL(CProjection_TM_GAUSS_KRUGER, nProjectionSchema)
+VX_IMPLEMENT_SERIAL(CProjection_TM_NORTH, nProjectionSchema)
+VX_IMPLEMENT_SERIAL(CProjection_TM_SOUTH, nProjectionSchema)
 
 } // namespace vx

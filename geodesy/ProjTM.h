@@ -21,6 +21,7 @@ protected:
 };
 
 class CProjection_TM_TM : public CProjection_TM {
+    VX_DECLARE_SERIAL(CProjection_TM_TM)
 public:
     CProjection_TM_TM();
     CProjection_TM_TM(double lon, double lat, double scale, double east, double north,
@@ -29,6 +30,7 @@ public:
 };
 
 class CProjection_TM_GAUSS_KRUGER : public CProjection_TM {
+    VX_DECLARE_SERIAL(CProjection_TM_GAUSS_KRUGER)
 public:
     CProjection_TM_GAUSS_KRUGER();
     CProjection_TM_GAUSS_KRUGER(double lon, double east, const CEllipsoid &ellipsoid);
@@ -36,6 +38,7 @@ public:
 };
 
 class CProjection_TM_NORTH : public CProjection_TM {
+    VX_DECLARE_SERIAL(CProjection_TM_NORTH)
 public:
     CProjection_TM_NORTH();
     CProjection_TM_NORTH(double lon, const CEllipsoid &ellipsoid);
@@ -43,6 +46,7 @@ public:
 };
 
 class CProjection_TM_SOUTH : public CProjection_TM {
+    VX_DECLARE_SERIAL(CProjection_TM_SOUTH)
 public:
     CProjection_TM_SOUTH();
     CProjection_TM_SOUTH(double lon, const CEllipsoid &ellipsoid);

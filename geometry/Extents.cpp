@@ -3,6 +3,7 @@
 #include "geometry/LineArc.h"
 #include "geometry/VXCoord.h"
 #include "geometry/VXCoordArr.h"
+#include "persist/ArchiveX.h"
 
 #include <algorithm>
 #include <cmath>
@@ -54,7 +55,14 @@ CExtents::CExtents(double xlo, double ylo, double xrb, double yrb)
 CExtents::CExtents(const CVXCoord &c, double d)
     : m_dXlo(c.m_dX - d), m_dYlo(c.m_dY - d), m_dXrb(c.m_dX + d), m_dYrb(c.m_dY + d) {}
 
-void CExtents::SerializeX(CArchiveX &) {}
+VX_IMPLEMENT_SERIAL(CExtents, 1)
+
+void CExtents::SerializeX(CArchiveX &ar) {
+    ar.Serialize(u"m_dXlo", m_dXlo);
+    ar.Serialize(u"m_dYlo", m_dYlo);
+    ar.Serialize(u"m_dXrb", m_dXrb);
+    ar.Serialize(u"m_dYrb", m_dYrb);
+}
 
 void CExtents::Reset() {
     *this = CExtents();

@@ -8,6 +8,7 @@
 // end angles fall in, with no trigonometry beyond those two angles.
 #pragma once
 
+#include "persist/RuntimeCreator.h"
 #include "persist/SerCollections.h"
 #include "persist/SerObject.h"
 #include "platform/VXTypes.h"
@@ -18,6 +19,7 @@ class CVXCoord;
 class CVXCoordArr;
 
 class CExtents : public CSerObject {
+    VX_DECLARE_SERIAL(CExtents)
 public:
     double m_dXlo = dMaxDouble;
     double m_dYlo = dMaxDouble;
@@ -32,7 +34,7 @@ public:
     CExtents &operator=(const CExtents &other) = default;
     ~CExtents() override = default;
 
-    // The persistence work fills this in.
+    // "m_dXlo", "m_dYlo", "m_dXrb", "m_dYrb"; there is no binary form.
     using CSerObject::SerializeX;
     void SerializeX(CArchiveX &ar) override;
 

@@ -2,12 +2,15 @@
 
 #include "geometry/Deel.h"
 #include "geometry/Tolerances.h"
+#include "persist/ArchiveB.h"
+#include "persist/ArchiveX.h"
 #include "platform/Assert.h"
 #include "platform/Resources.h"
 
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <typeinfo>
 
 namespace vx {
 
@@ -61,8 +64,49 @@ CVXCoord &CVXCoord::operator=(const CVXCoord &other) {
     return *this;
 }
 
-void CVXCoord::SerializeX(CArchiveX &) {}
-void CVXCoord::SerializeB(CArchiveB &) {}
+// Chosen: a point is written as a plain, unversioned class (schema 0); its layout has one form.
+VX_IMPLEMENT_SERIAL(CVXCoord, 0)
+
+namespace {
+
+// The stored fields in their order; both directions of both archives walk this one list.
+template <class Visit>
+void VisitStoredFields(CVXCoord &p, Visit visit) {
+    visit(u"m_dX", p.m_dX);
+    visit(u"m_dY", p.m_dY);
+    visit(u"m_dZ", p.m_dZ);
+    visit(u"m_dDiepte", p.m_dDiepte);
+    visit(u"m_dPX", p.m_dPX);
+    visit(u"m_dPY", p.m_dPY);
+    visit(u"m_dPZ", p.m_dPZ);
+    visit(u"m_nHB", p.m_nHB);
+}
+
+} // namespace
+
+void CVXCoord::SerializeB(CArchiveB &ar) {
+    VisitStoredFields(*this, [&ar](const char16_t *, auto &field) {
+        if (ar.IsStoring())
+            ar << field;
+        else
+            ar >> field;
+    });
+}
+
+void CVXCoord::SerializeX(CArchiveX &ar) {
+    VisitStoredFields(*this,
+                      [&ar](const char16_t *name, auto &field) { ar.Serialize(name, field); });
+}
+
+void CVXCoord::SerializeX(const CVXString &name, CArchiveX &ar) {
+    CArchiveXMLChild child(ar, name);
+    SerializeX(ar);
+}
+
+void CVXCoord::Dump(CDumpContext &dc) const {
+    dc << "CVXCoord " << BareClassName(typeid(*this)) << " S=" << static_cast<int>(m_nSectie)
+       << "\n";
+}
 
 void CVXCoord::CopyVelden(const CVXCoord &other, bool bZ, bool bSectie) {
     m_dX = other.m_dX;

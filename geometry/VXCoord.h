@@ -12,6 +12,7 @@
 #pragma once
 
 #include "foundation/VXString.h"
+#include "persist/RuntimeCreator.h"
 #include "persist/SerObject.h"
 #include "platform/VXTypes.h"
 
@@ -22,6 +23,7 @@ namespace vx {
 class CVXCoordArr;
 
 class CVXCoord : public CSerObject {
+    VX_DECLARE_SERIAL(CVXCoord)
 public:
     // The kind of angle at the vertex, as Spread classifies it.
     enum SectorType { Scherp = 0, Stomp = 1, Recht = 2 };
@@ -48,10 +50,14 @@ public:
     CVXCoord &operator=(const CVXCoord &other);
     ~CVXCoord() override = default;
 
-    // The persistence work fills these in.
-    using CSerObject::SerializeX;
+    // Both serial forms hold the seven doubles and the parameter word; the section code and
+    // the dirty flags are in neither, so a loaded point keeps the values it had before.
     void SerializeX(CArchiveX &ar) override;
     void SerializeB(CArchiveB &ar) override;
+    // The point as the child element `name`: the fields above inside it.
+    void SerializeX(const CVXString &name, CArchiveX &ar);
+    // "CVXCoord", the run-time class name and the section code after " S=".
+    void Dump(CDumpContext &dc) const override;
 
     // Readers.
     double dGetX() const { return m_dX; }

@@ -3,6 +3,8 @@
 #include "geometry/Extents.h"
 #include "geometry/LineArc.h"
 #include "geometry/Tolerances.h"
+#include "persist/ArchiveB.h"
+#include "persist/ArchiveX.h"
 #include "platform/Assert.h"
 #include "platform/Errors.h"
 
@@ -10,6 +12,7 @@
 #include <limits>
 #include <memory>
 #include <numbers>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -622,6 +625,72 @@ void CVXCoordArrArr::Copy(const CVXCoordArrArr &other) {
             throw;
         }
     }
+}
+
+namespace {
+
+// After a load the array must own each of its points alone. A hostile archive can name one
+// object twice (a back-reference) or put another class in the run: a repeated point is replaced
+// by a copy, and an element that is not a point is deleted and its slot made null. False when
+// such an element was found.
+bool bKeepOwnPoints(CSerObArray &a) {
+    std::unordered_set<const CSerObject *> points;
+    std::unordered_set<const CSerObject *> dropped;
+    for (int32_t i = 0; i < a.GetSize(); ++i) {
+        CSerObject *o = a.GetAt(i);
+        if (o == nullptr) continue;
+        if (dropped.count(o) != 0) {
+            a.SetAt(i, nullptr);
+        } else if (points.count(o) != 0) {
+            a.SetAt(i, static_cast<CVXCoord *>(o)->New());
+        } else if (dynamic_cast<CVXCoord *>(o) != nullptr) {
+            points.insert(o);
+        } else {
+            dropped.insert(o);
+            delete o;
+            a.SetAt(i, nullptr);
+        }
+    }
+    return dropped.empty();
+}
+
+} // namespace
+
+void CVXCoordArr::SerializeB(CArchiveB &ar) {
+    if (ar.IsStoring()) {
+        Base::SerializeB(ar);
+        return;
+    }
+    const bool bGewijzigd = m_bGewijzigd;
+    RemoveAll();
+    m_bGewijzigd = bGewijzigd;
+    bool bOwn = false;
+    try {
+        Base::SerializeB(ar);
+        bOwn = bKeepOwnPoints(*this);
+    } catch (...) {
+        bKeepOwnPoints(*this);
+        throw;
+    }
+    if (!bOwn) throw CArchiveBException(CArchiveBException::badClass, ar.GetFileName());
+}
+
+void CVXCoordArr::SerializeX(CArchiveX &ar) {
+    if (ar.IsStoring()) {
+        Base::SerializeX(ar);
+        return;
+    }
+    const bool bGewijzigd = m_bGewijzigd;
+    RemoveAll();
+    m_bGewijzigd = bGewijzigd;
+    try {
+        Base::SerializeX(ar);
+    } catch (...) {
+        bKeepOwnPoints(*this);
+        throw;
+    }
+    // In the XML archive an element of another class loads as null, as one of another root does.
+    bKeepOwnPoints(*this);
 }
 
 } // namespace vx

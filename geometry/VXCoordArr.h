@@ -19,6 +19,7 @@
 namespace vx {
 
 class CExtents;
+struct PuntInPolyRes;
 
 class CVXCoordArr : public CTypedPtrArray<CSerObArray, CVXCoord *> {
     using Base = CTypedPtrArray<CSerObArray, CVXCoord *>;
@@ -67,6 +68,12 @@ public:
 
     virtual bool Gewijzigd() const;
     virtual void SetUnChanged();
+
+    // The stored form of CSerObArray, checked when loading: the points held before are deleted
+    // first, and every slot ends up with a point of its own or null (see the source).
+    using Base::SerializeX;
+    void SerializeB(CArchiveB &ar) override;
+    void SerializeX(CArchiveX &ar) override;
 
     // ---- section queries; i is the index of the point that starts the stretch ------------------
     bool bRechte(int i) const;
@@ -122,9 +129,18 @@ public:
     bool bHalveSteunPunten(int i, CVXCoord &a, CVXCoord &b) const;
     double dHoekInLijn(const CVXCoord &pt, int i) const;
 
+    // ---- point and line in polygon (geometry/PuntInPoly.cpp) ---------------------------------
+    PuntInPolyRes PuntInPolygoon(const CVXCoord &Punt) const;
+    bool bPuntInPuntArr(const CVXCoord &Punt) const;
+    short nPuntInPuntArr(const CVXCoord &Punt) const;
+    PuntInPolyRes LijnInPolygoon(const CVXCoordArr &Lijn, bool bVolledig) const;
+    short nPuntArrBinnenPuntArr(const CVXCoordArr &Poly) const;
+
     // ---- shape generators ---------------------------------------------------------------------
     bool bArcsToLines(double dTol);
     void Circle2Arcs();
+    bool CreeerCentroide(CVXCoord &Punt) const;
+    bool Overlap(const CExtents &Ext) const;
     // The natural cubic spline through the run of code 6 that follows point nI: one row of
     // coefficients per interval, in the form CVXCoord::Horner evaluates (parameter 0 to 1 per
     // interval). Returns the row count, 0 when it cannot; the caller frees pCoef with delete[].

@@ -7,12 +7,29 @@
 #include "persist/SerObject.h"
 #include "platform/Errors.h"
 
+#include <charconv>
 #include <cmath>
 #include <memory>
 
 namespace vx {
 
 namespace {
+
+// The text printf's "%.<precision>g" gives, NaN and infinities included: std::to_chars with a
+// precision formats as printf does in the C locale, without the formatting machinery, and
+// numbers are most of what an archive writes.
+CVXString GeneralText(double value, int precision) {
+    char digits[64];
+    const auto end =
+        std::to_chars(digits, digits + sizeof digits, value, std::chars_format::general, precision)
+            .ptr;
+    char16_t text[64];
+    const auto n = static_cast<size_t>(end - digits);
+    for (size_t i = 0; i < n; ++i)
+        text[i] = static_cast<char16_t>(digits[i]);
+    text[n] = u'\0';
+    return CVXString(text);
+}
 
 const char16_t kTypeAttr[] = u"MFC_RUNTIME_TYPE";
 const char16_t kSchemaAttr[] = u"MFC_RUNTIME_TYPE_SCHEMA";
@@ -199,15 +216,11 @@ void CArchiveX::Save(const CVXString &name, int64_t value) {
 }
 
 void CArchiveX::Save(const CVXString &name, float value) {
-    CVXString text;
-    text.Format(u"%.7g", value);
-    SetAttr(name, VXVariant(text));
+    SetAttr(name, VXVariant(GeneralText(value, 7)));
 }
 
 void CArchiveX::Save(const CVXString &name, double value) {
-    CVXString text;
-    text.Format(u"%.15g", value);
-    SetAttr(name, VXVariant(text));
+    SetAttr(name, VXVariant(GeneralText(value, 15)));
 }
 
 void CArchiveX::Save(const CVXString &name, const CVXString &value) {
@@ -475,5 +488,12 @@ CArchiveXMLChild::CArchiveXMLChild(CArchiveX &archive, const CVXString &name)
 CArchiveXMLChild::~CArchiveXMLChild() {
     m_archive.SetCurrent(m_saved);
 }
+
+} // namespace vx
+
+namespace vx {
+
+// The named form of every serialisable object: its fields as the element `name`.
+void ISerObject::SerializeX(const CVXString &name, CArchiveX &ar) { ar.SerializeIt(name, this); }
 
 } // namespace vx

@@ -1,0 +1,25 @@
+// libFuzzer target: the XML archive loading arbitrary text (the bytes as UTF-8) and the root
+// object from it. A hostile document may only end in CVXComError.
+#include "foundation/VXString.h"
+#include "persist/ArchiveX.h"
+#include "persist/SerObject.h"
+#include "platform/CodePage.h"
+#include "platform/Errors.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+    if (size > 1u << 20) return 0;
+    const std::string utf8(reinterpret_cast<const char *>(data), size);
+    vx::ISerObject *root = nullptr;
+    try {
+        vx::CArchiveX ar(true);
+        ar.XML(vx::CVXString(vx::Utf8ToWide(utf8.data(), utf8.size()).c_str()));
+        ar.Load(vx::CVXString(u"Root"), root);
+    } catch (const vx::CVXComError &) {
+    }
+    delete root;
+    return 0;
+}
