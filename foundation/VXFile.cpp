@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <dlfcn.h>
 #include <filesystem>
 #include <fnmatch.h>
 #include <string>
@@ -190,6 +191,16 @@ void CreateTempNaam(CVXString &out) {
     }
     ::close(fd);
     out = FromSystem(templ);
+}
+
+CVXString DLLPath() {
+    const char *env = std::getenv("VXCOMMON_DATA");
+    if (env && *env) return CVXString(env);
+    Dl_info info{};
+    if (dladdr(reinterpret_cast<void *>(&DLLPath), &info) == 0 || !info.dli_fname)
+        return CVXString(".");
+    const char *slash = std::strrchr(info.dli_fname, '/');
+    return slash ? FromSystem(std::string(info.dli_fname, slash)) : CVXString(".");
 }
 
 // ---- path text ----

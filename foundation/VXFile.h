@@ -84,6 +84,10 @@ bool bDelete(const CVXString &path);
 // the name stays taken.
 void CreateTempNaam(CVXString &out);
 
+// The directory the library's data files (the correction grids) are found in: the value of
+// VXCOMMON_DATA when it is set, read at each call, else the directory of the library binary.
+CVXString DLLPath();
+
 // ---- path text ----
 // The file name part: everything behind the last backslash or slash.
 void GetFileName(CVXString &out, const CVXString &path);

@@ -1,12 +1,12 @@
 #include "geodesy/NationalGrid.h"
 
+#include "foundation/VXFile.h"
+
 #include "geodesy/Angles.h"
 #include "geodesy/GeodesyResources.h"
 #include "geodesy/Geoid.h"
 #include "geometry/VXCoord.h"
 #include "platform/UserPrompt.h"
-
-#include <dlfcn.h>
 
 #include <cmath>
 #include <cstdlib>
@@ -49,16 +49,6 @@ constexpr double dLb72NoData = 9.9999999999999998e+37;
 
 // The directory of the grid files: VXCOMMON_DATA when set, else the directory of the library
 // binary.
-CVXString GridDirectory() {
-    const char *env = std::getenv("VXCOMMON_DATA");
-    if (env != nullptr && env[0] != '\0') return CVXString(env);
-    Dl_info info{};
-    if (dladdr(reinterpret_cast<void *>(&GridDirectory), &info) == 0 || info.dli_fname == nullptr)
-        return CVXString(".");
-    const char *slash = std::strrchr(info.dli_fname, '/');
-    if (slash == nullptr) return CVXString(".");
-    return CVXString(std::string(info.dli_fname, slash).c_str());
-}
 
 // The message for a grid file that cannot serve: "<path> not found\n<not applied>".
 CVXString GridFailMessage(const CVXString &path) {
@@ -76,7 +66,7 @@ CVXString GridFailMessage(const CVXString &path) {
 // user from the first path that failed.
 void OpenGridPair(CFile &fx, CFile &fy, const char16_t *nameX, const char16_t *nameY,
                   CVXString &message) {
-    const CVXString dir = GridDirectory();
+    const CVXString dir = DLLPath();
     const CVXString pathX = dir + u'/' + nameX;
     const CVXString pathY = dir + u'/' + nameY;
     const unsigned int flags = CFile::modeRead | CFile::shareDenyNone;

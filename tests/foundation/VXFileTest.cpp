@@ -193,3 +193,16 @@ TEST(DumpFile, PrintsFormattedTextInTheCodePage) {
     EXPECT_EQ(vxtest::ReadBytes(dir.file("dump.txt")),
               std::vector<uint8_t>({'3', ';', ' ', ' ', '2', '.', '2', ';', 0xE9, '\n'}));
 }
+
+TEST(FileSystem, DataPathIsTheLibraryDirectoryUnlessOverridden) {
+    {
+        vxtest::ScopedEnv data("VXCOMMON_DATA", "/some/where");
+        EXPECT_EQ(DLLPath(), u"/some/where");
+    }
+    vxtest::ScopedEnv none("VXCOMMON_DATA", nullptr);
+    const std::string dir = static_cast<const char *>(DLLPath());
+    // The library binary lies in that directory.
+    EXPECT_TRUE(bExists(P(dir + "/libvxcommon.so")) || bExists(P(dir + "/libvxcommon.a")) ||
+                dir == ".")
+        << dir;
+}
