@@ -6,6 +6,7 @@
 #include "persist/RuntimeCreator.h"
 #include "platform/File.h"
 #include "platform/UserPrompt.h"
+#include "support/ArchiveTestSupport.h"
 #include "support/TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -19,33 +20,13 @@
 #include <vector>
 
 using namespace vx;
+using vxtest::Ascii;
+using vxtest::Bytes;
+using vxtest::Load;
+using vxtest::Narrow;
+using vxtest::Store;
 
 namespace {
-
-using Bytes = std::vector<uint8_t>;
-
-template <class F>
-Bytes Store(F write) {
-    CMemFile file;
-    {
-        CArchiveB ar(&file, CArchiveB::store);
-        write(ar);
-    }
-    return Bytes(file.GetData(), file.GetData() + file.GetLength());
-}
-
-template <class F>
-void Load(const Bytes &bytes, F read) {
-    CMemFile file;
-    file.Write(bytes.data(), static_cast<unsigned int>(bytes.size()));
-    file.SeekToBegin();
-    CArchiveB ar(&file, CArchiveB::load);
-    read(ar);
-}
-
-std::string Narrow(const CVXString &s) {
-    return static_cast<const char *>(s);
-}
 
 // What a double becomes after a trip through the XML archive's text, computed from the C
 // library's own printing of 15 significant digits.

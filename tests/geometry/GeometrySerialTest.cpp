@@ -5,6 +5,7 @@
 #include "persist/ArchiveX.h"
 #include "persist/RuntimeCreator.h"
 #include "platform/File.h"
+#include "support/ArchiveTestSupport.h"
 #include "support/TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -16,33 +17,13 @@
 #include <vector>
 
 using namespace vx;
+using vxtest::Ascii;
+using vxtest::Bytes;
+using vxtest::Load;
+using vxtest::Narrow;
+using vxtest::Store;
 
 namespace {
-
-using Bytes = std::vector<uint8_t>;
-
-template <class F>
-Bytes Store(F write) {
-    CMemFile file;
-    {
-        CArchiveB ar(&file, CArchiveB::store);
-        write(ar);
-    }
-    return Bytes(file.GetData(), file.GetData() + file.GetLength());
-}
-
-template <class F>
-void Load(const Bytes &bytes, F read) {
-    CMemFile file;
-    file.Write(bytes.data(), static_cast<unsigned int>(bytes.size()));
-    file.SeekToBegin();
-    CArchiveB ar(&file, CArchiveB::load);
-    read(ar);
-}
-
-std::string Narrow(const CVXString &s) {
-    return static_cast<const char *>(s);
-}
 
 // x 1.5, y -2.25, depth 0.5, PY 0.02, PZ 0.03, parameter word 258; Z and PX unknown.
 CVXCoord SamplePoint() {

@@ -2,6 +2,7 @@
 #include "persist/RuntimeCreator.h"
 #include "persist/SerObject.h"
 #include "platform/File.h"
+#include "support/ArchiveTestSupport.h"
 #include "support/TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +14,10 @@
 #include <vector>
 
 using namespace vx;
-using Bytes = std::vector<uint8_t>;
+using vxtest::Ascii;
+using vxtest::Bytes;
+using vxtest::Load;
+using vxtest::Store;
 
 namespace vxtest {
 
@@ -78,35 +82,11 @@ using vxtest::CArcVersioned;
 
 namespace {
 
-template <class F>
-Bytes Store(F write) {
-    CMemFile file;
-    {
-        CArchiveB ar(&file, CArchiveB::store);
-        write(ar);
-    }
-    return Bytes(file.GetData(), file.GetData() + file.GetLength());
-}
-
-// Loads from a copy of the bytes in a memory file.
-template <class F>
-void Load(const Bytes &bytes, F read, int bufferSize = 4096) {
-    CMemFile file;
-    if (!bytes.empty()) file.Write(bytes.data(), static_cast<unsigned int>(bytes.size()));
-    file.SeekToBegin();
-    CArchiveB ar(&file, CArchiveB::load, bufferSize);
-    read(ar);
-}
-
 Bytes Cat(std::initializer_list<Bytes> parts) {
     Bytes r;
     for (const Bytes &p : parts)
         r.insert(r.end(), p.begin(), p.end());
     return r;
-}
-
-Bytes Ascii(const char *s) {
-    return Bytes(s, s + std::strlen(s));
 }
 
 // The fields of a CArcPoint with a=7, d=0.5, an empty string and a null link.

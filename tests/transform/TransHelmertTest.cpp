@@ -1,4 +1,5 @@
 #include "transform/TransHelmert.h"
+#include "support/ArchiveTestSupport.h"
 
 #include "persist/ArchiveB.h"
 #include "persist/ArchiveX.h"
@@ -13,8 +14,11 @@
 #include <vector>
 
 using namespace vx;
-using Bytes = std::vector<uint8_t>;
-
+using vxtest::Ascii;
+using vxtest::Bytes;
+using vxtest::Load;
+using vxtest::Narrow;
+using vxtest::Store;
 namespace {
 
 CTransRecord *Record(double x, double y, double u, double v, bool bActief = true) {
@@ -31,29 +35,6 @@ void QuarterTurn(CTransTabel &t) {
     t.AddTail(Record(0, 0, 100, 200));
     t.AddTail(Record(10, 0, 100, 210));
     t.AddTail(Record(1e6, -1e6, 0, 0));
-}
-
-Bytes Ascii(const char *s) {
-    return Bytes(s, s + std::strlen(s));
-}
-
-template <class F>
-Bytes Store(F write) {
-    CMemFile file;
-    {
-        CArchiveB ar(&file, CArchiveB::store);
-        write(ar);
-    }
-    return Bytes(file.GetData(), file.GetData() + file.GetLength());
-}
-
-template <class F>
-void Load(const Bytes &bytes, F read) {
-    CMemFile file;
-    file.Write(bytes.data(), static_cast<unsigned int>(bytes.size()));
-    file.SeekToBegin();
-    CArchiveB ar(&file, CArchiveB::load);
-    read(ar);
 }
 
 } // namespace
