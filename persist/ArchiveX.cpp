@@ -494,6 +494,8 @@ CArchiveXMLChild::~CArchiveXMLChild() {
 namespace vx {
 
 // The named form of every serialisable object: its fields as the element `name`.
-void ISerObject::SerializeX(const CVXString &name, CArchiveX &ar) { ar.SerializeIt(name, this); }
+void ISerObject::SerializeX(const CVXString &name, CArchiveX &ar) {
+    ar.SerializeIt(name, this);
+}
 
 } // namespace vx

@@ -10,13 +10,10 @@ namespace vx::serial {
 int32_t LoadElementCount(CArchiveX &ar, const CVXString &name) {
     int32_t count = 0;
     ar.Load(name, count);
-    if (count < 0)
-        ThrowNullInterface();
-    if (count == 0)
-        return 0;
+    if (count < 0) ThrowNullInterface();
+    if (count == 0) return 0;
     CVXComWrap<IDomNodeList> children(ar.GetCurrent()->Children());
-    if (children->Count() < count)
-        ThrowNullInterface();
+    if (children->Count() < count) ThrowNullInterface();
     return count;
 }
 
@@ -38,19 +35,15 @@ void SaveRunElement(CArchiveX &ar, const CVXString &name, const ISerObject *obje
 }
 
 CSerObject *AsSerObjectB(CArchiveB &ar, ISerObject *object) {
-    if (!object)
-        return nullptr;
-    if (auto *o = dynamic_cast<CSerObject *>(object))
-        return o;
+    if (!object) return nullptr;
+    if (auto *o = dynamic_cast<CSerObject *>(object)) return o;
     delete object;
     throw CArchiveBException(CArchiveBException::badClass, ar.GetFileName());
 }
 
 CSerObject *AsSerObjectX(ISerObject *object) {
-    if (!object)
-        return nullptr;
-    if (auto *o = dynamic_cast<CSerObject *>(object))
-        return o;
+    if (!object) return nullptr;
+    if (auto *o = dynamic_cast<CSerObject *>(object)) return o;
     delete object;
     return nullptr;
 }

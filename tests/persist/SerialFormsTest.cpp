@@ -36,7 +36,9 @@ void LoadObject(const Bytes &bytes, ISerObject &o) {
     o.SerializeB(ar);
 }
 
-std::string Xml(CArchiveX &ar) { return static_cast<const char *>(ar.XML()); }
+std::string Xml(CArchiveX &ar) {
+    return static_cast<const char *>(ar.XML());
+}
 
 } // namespace
 
@@ -142,7 +144,8 @@ TEST(CreatorRegistry, LookUpByNameWithAndWithoutTree) {
     auto *arr = dynamic_cast<CVXStringArray *>(made.get());
     ASSERT_NE(arr, nullptr);
     EXPECT_EQ(arr->GetSize(), 0);
-    std::unique_ptr<ISerObject> list(CRuntimeCreator::RuntimeCreator(u"CVXStringList")->CreateObject());
+    std::unique_ptr<ISerObject> list(
+        CRuntimeCreator::RuntimeCreator(u"CVXStringList")->CreateObject());
     EXPECT_EQ(static_cast<CVXStringList *>(list.get())->GetBlockSize(), 10);
     EXPECT_EQ(CRuntimeCreator::RuntimeCreator(u"NoSuchClass"), nullptr);
     EXPECT_EQ(CRuntimeCreator::RuntimeCreator(u"cvxstringarray"), nullptr); // case-sensitive
