@@ -367,14 +367,24 @@ void CProjection_RDNAPTRANS2004::RDToEtrs(CEllCoord &ell, const CVXCoord &xy, in
     ell.SetHgt(PlusGeoid(ell.dGetHgt(), GeoidAt(nGeoidModel, ell.dGetLat(), ell.dGetLon())));
 }
 
+namespace {
+// The plain-number form of the Dutch chain: one point through RDNAPTRANS of either edition.
+template <class Projection>
+CVXCoord ProjectedBy(Projection &proj, double lat, double lon, double h) {
+    CVXCoord p;
+    proj.RDNAPTRANS(p, CEllCoord(lat, lon, h));
+    return p;
+}
+
+} // namespace
+
 void CProjection_RDNAPTRANS2004::RDNAPTRANS(CVXCoord &xy, CEllCoord ell) {
     EtrsToRD(xy, ell, nGeoidRD2004, Shift2004ToBessel);
 }
 
 void CProjection_RDNAPTRANS2004::RDNAPTRANS(double lat, double lon, double h, double *x, double *y,
                                             double *z) {
-    CVXCoord p;
-    RDNAPTRANS(p, CEllCoord(lat, lon, h));
+    const CVXCoord p = ProjectedBy(*this, lat, lon, h);
     *x = p.dGetX();
     *y = p.dGetY();
     *z = p.dGetZ();
@@ -436,8 +446,7 @@ void CProjection_RDNAPTRANS2008::RDNAPTRANS(CVXCoord &xy, CEllCoord ell) {
 
 void CProjection_RDNAPTRANS2008::RDNAPTRANS(double lat, double lon, double h, double *x, double *y,
                                             double *z) {
-    CVXCoord p;
-    RDNAPTRANS(p, CEllCoord(lat, lon, h));
+    const CVXCoord p = ProjectedBy(*this, lat, lon, h);
     *x = p.dGetX();
     *y = p.dGetY();
     *z = p.dGetZ();

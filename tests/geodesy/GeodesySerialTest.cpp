@@ -7,6 +7,7 @@
 #include "platform/File.h"
 #include "platform/UserPrompt.h"
 #include "support/ArchiveTestSupport.h"
+#include "support/NoGridFiles.h"
 #include "support/TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -36,26 +37,7 @@ double Through15Digits(double d) {
     return std::strtod(text, nullptr);
 }
 
-// Silences the missing-grid message of the grid types (their files are absent here).
-class CQuietPrompt : public IUserPrompt {
-public:
-    int AskRetryCancel(const CVXString &) override { return IDCANCEL; }
-    void ShowMessage(const CVXString &, int) override {}
-    bool BreakRequested() override { return false; }
-};
-
-class GeodesySerial : public ::testing::Test {
-protected:
-    void SetUp() override {
-        setenv("VXCOMMON_DATA", "/nonexistent-vx-grid-dir", 1);
-        SetUserPrompt(&m_prompt);
-    }
-    void TearDown() override {
-        SetUserPrompt(nullptr);
-        unsetenv("VXCOMMON_DATA");
-    }
-    CQuietPrompt m_prompt;
-};
+class GeodesySerial : public vxtest::NoGridFiles {};
 
 std::vector<double> StoredNumbers(const COutputSystem &p) {
     std::vector<double> v = {p.dGetLonOriginCM(),   p.dGetLatOrigin(),    p.dGetStandPar1(),

@@ -9,6 +9,7 @@
 #include "geodesy/ProjTM.h"
 #include "geometry/VXCoord.h"
 #include "platform/UserPrompt.h"
+#include "support/NoGridFiles.h"
 
 #include <gtest/gtest.h>
 
@@ -23,26 +24,7 @@ namespace {
 
 constexpr double dPiT = 3.141592653589793;
 
-// Silences the missing-grid message of the grid types (their files are absent here).
-class CQuietPrompt : public IUserPrompt {
-public:
-    int AskRetryCancel(const CVXString &) override { return IDCANCEL; }
-    void ShowMessage(const CVXString &, int) override {}
-    bool BreakRequested() override { return false; }
-};
-
-class OutputSystemTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        setenv("VXCOMMON_DATA", "/nonexistent-vx-grid-dir", 1);
-        SetUserPrompt(&m_prompt);
-    }
-    void TearDown() override {
-        SetUserPrompt(nullptr);
-        unsetenv("VXCOMMON_DATA");
-    }
-    CQuietPrompt m_prompt;
-};
+class OutputSystemTest : public vxtest::NoGridFiles {};
 
 std::string Flags(const COutputSystem &p) {
     std::string s;
