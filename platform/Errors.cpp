@@ -42,7 +42,8 @@ CVXComError::CVXComError(HRESULT hr, const char *file, int line, const CVXString
     if (file) {
         m_what += " at ";
         m_what += file;
-        m_what += ":" + std::to_string(line);
+        m_what += ':';
+        m_what += std::to_string(line);
     }
 }
 

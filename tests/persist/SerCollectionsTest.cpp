@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <new>
 #include <sstream>
 #include <vector>
@@ -84,7 +85,10 @@ TEST(SerCollections, TransferDestroysTheElementWhenInsertionFails) {
 }
 
 TEST(SerCollections, TypedListForwardsWithItsType) {
-    CProbe one(nullptr, 1), two(nullptr, 2), three(nullptr, 3);
+    CProbe one(nullptr, 1), two(nullptr, 2);
+    // On the heap: a transfer insertion could delete it if it failed.
+    const auto threeOwner = std::make_unique<CProbe>(nullptr, 3);
+    CProbe &three = *threeOwner;
     CProbeList list;
     bool destroyed = false;
     auto *owned = new CProbe(&destroyed, 4);
