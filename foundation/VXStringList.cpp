@@ -48,7 +48,7 @@ void CVXStringList::SerializeX(CArchiveX &ar) {
 }
 
 void RegisterFoundationClasses() {
-    const CRuntimeCreator *const creators[] = {&CVXStringArray::RTC(), &CVXStringList::RTC()};
+    const CRuntimeCreator *const creators[] = {CVXStringArray::RTC(), CVXStringList::RTC()};
     static_cast<void>(creators);
 }
 

@@ -6,7 +6,7 @@
 namespace vx {
 
 void RegisterGeometryClasses() {
-    const CRuntimeCreator *const creators[] = {&CVXCoord::RTC(), &CExtents::RTC()};
+    const CRuntimeCreator *const creators[] = {CVXCoord::RTC(), CExtents::RTC()};
     static_cast<void>(creators);
 }
 

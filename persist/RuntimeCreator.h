@@ -67,7 +67,7 @@ void RegisterLibraryClasses();
 // In the class body of a serialisable class: the creator access and the virtual look-up.
 #define VX_DECLARE_SERIAL(ClassName)                                                               \
 public:                                                                                            \
-    static const ::vx::CRuntimeCreator &RTC();                                                     \
+    static const ::vx::CRuntimeCreator *RTC();                                                     \
     static ::vx::ISerObject *CreateThisObject();                                                   \
     const ::vx::CRuntimeCreator *RuntimeCreator() const override;
 
@@ -80,8 +80,8 @@ public:                                                                         
     const ::vx::CRuntimeCreator g_rtc_##ClassName(&typeid(ClassName),                              \
                                                   &ClassName::CreateThisObject, (schema));         \
     }                                                                                              \
-    const ::vx::CRuntimeCreator &ClassName::RTC() {                                                \
-        return g_rtc_##ClassName;                                                                  \
+    const ::vx::CRuntimeCreator *ClassName::RTC() {                                                \
+        return &g_rtc_##ClassName;                                                                 \
     }                                                                                              \
     const ::vx::CRuntimeCreator *ClassName::RuntimeCreator() const {                               \
         return &g_rtc_##ClassName;                                                                 \

@@ -46,9 +46,9 @@ VX_IMPLEMENT_SERIAL(ISerObArray, 0)
 VX_IMPLEMENT_SERIAL(CVXWordArray, 0)
 
 void RegisterPersistClasses() {
-    const CRuntimeCreator *const creators[] = {&CSerObList::RTC(), &ISerObList::RTC(),
-                                               &CSerObArray::RTC(), &ISerObArray::RTC(),
-                                               &CVXWordArray::RTC()};
+    const CRuntimeCreator *const creators[] = {CSerObList::RTC(), ISerObList::RTC(),
+                                               CSerObArray::RTC(), ISerObArray::RTC(),
+                                               CVXWordArray::RTC()};
     static_cast<void>(creators);
 }
 

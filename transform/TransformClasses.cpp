@@ -5,7 +5,7 @@
 namespace vx {
 
 void RegisterTransformClasses() {
-    const CRuntimeCreator *const creators[] = {&CTransRecord::RTC(), &CTransTabel::RTC()};
+    const CRuntimeCreator *const creators[] = {CTransRecord::RTC(), CTransTabel::RTC()};
     static_cast<void>(creators);
 }
 

@@ -69,7 +69,7 @@ TEST(GeometrySerial, CoordBinaryBytesAndRoundTrip) {
     // The section code and the flags are in no serial form: a new point keeps 1 and 0.
     p.SetCParms();
     std::unique_ptr<ISerObject> loaded;
-    Load(tagged, [&](CArchiveB &ar) { loaded.reset(ar.ReadObject(&CVXCoord::RTC())); });
+    Load(tagged, [&](CArchiveB &ar) { loaded.reset(ar.ReadObject(CVXCoord::RTC())); });
     auto *q = dynamic_cast<CVXCoord *>(loaded.get());
     ASSERT_NE(q, nullptr);
     ExpectSameStoredFields(p, *q);
@@ -109,7 +109,7 @@ TEST(GeometrySerial, CoordXmlNamedFormAndDump) {
     v.SetSectie(6);
     v.Dump(dc);
     EXPECT_EQ(text.str(), "CVXCoord C2DVector S=6\n");
-    EXPECT_EQ(&v.RTC(), CRuntimeCreator::RuntimeCreator(u"CVXCoord"));
+    EXPECT_EQ(v.RTC(), CRuntimeCreator::RuntimeCreator(u"CVXCoord"));
 }
 
 TEST(GeometrySerial, CoordArrXmlTextAndRoundTrips) {

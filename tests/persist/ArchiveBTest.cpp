@@ -114,7 +114,7 @@ TEST(ArchiveB, ObjectTagsClassesAndBackReferences) {
     EXPECT_EQ(vxtest::Hex(bytes), vxtest::Hex(expected));
 
     Load(bytes, [](CArchiveB &ar) {
-        std::unique_ptr<ISerObject> a(ar.ReadObject(&CArcPoint::RTC()));
+        std::unique_ptr<ISerObject> a(ar.ReadObject(CArcPoint::RTC()));
         std::unique_ptr<ISerObject> b(ar.ReadObject(nullptr));
         ISerObject *again = ar.ReadObject(nullptr);
         EXPECT_EQ(again, a.get());
@@ -270,7 +270,7 @@ TEST(ArchiveB, FailuresRaiseTheirCauses) {
     EXPECT_EQ(cause([&] {
                   Load(one, [](CArchiveB &ar) {
                       std::unique_ptr<ISerObject> first(ar.ReadObject(nullptr));
-                      ar.ReadObject(&CArcBag::RTC());
+                      ar.ReadObject(CArcBag::RTC());
                   });
               }),
               CArchiveBException::badClass);

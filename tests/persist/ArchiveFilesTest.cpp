@@ -25,7 +25,7 @@ public:
             ar.WriteObject(m_pChild);
         } else {
             ar >> m_dX >> m_nCount;
-            m_pChild = static_cast<CArchiveToolSample *>(ar.ReadObject(&RTC()));
+            m_pChild = static_cast<CArchiveToolSample *>(ar.ReadObject(RTC()));
         }
     }
     void SerializeX(CArchiveX &ar) override {

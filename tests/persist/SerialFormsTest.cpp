@@ -138,7 +138,7 @@ TEST(CollectionSerialForms, XmlNamesAndCounts) {
 TEST(CreatorRegistry, LookUpByNameWithAndWithoutTree) {
     const CRuntimeCreator *c = CRuntimeCreator::RuntimeCreator(u"CVXStringArray");
     ASSERT_NE(c, nullptr);
-    EXPECT_EQ(c, &CVXStringArray::RTC());
+    EXPECT_EQ(c, CVXStringArray::RTC());
     EXPECT_EQ(c->Schema(), 0u);
     std::unique_ptr<ISerObject> made(c->CreateObject());
     auto *arr = dynamic_cast<CVXStringArray *>(made.get());
@@ -154,6 +154,6 @@ TEST(CreatorRegistry, LookUpByNameWithAndWithoutTree) {
     static CRTCTree tree;
     SetRTCTree(&tree);
     EXPECT_GE(tree.lGetSize(), 7u);
-    EXPECT_EQ(CRuntimeCreator::RuntimeCreator(u"CSerObList"), &CSerObList::RTC());
+    EXPECT_EQ(CRuntimeCreator::RuntimeCreator(u"CSerObList"), CSerObList::RTC());
     EXPECT_EQ(CRuntimeCreator::RuntimeCreator(u"NoSuchClass"), nullptr);
 }

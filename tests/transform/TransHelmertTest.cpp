@@ -208,14 +208,14 @@ TEST(TransSerial, RecordBytesAndBinaryTable) {
     expected.insert(expected.end(), name.begin(), name.end());
     EXPECT_EQ(vxtest::Hex(one), vxtest::Hex(expected));
     Load(one, [](CArchiveB &ar) {
-        std::unique_ptr<ISerObject> o(ar.ReadObject(&CTransRecord::RTC()));
+        std::unique_ptr<ISerObject> o(ar.ReadObject(CTransRecord::RTC()));
         auto *back = dynamic_cast<CTransRecord *>(o.get());
         ASSERT_NE(back, nullptr);
         EXPECT_TRUE(back->m_bActief);
         EXPECT_TRUE(std::isnan(back->m_Van.m_dX));
     });
-    EXPECT_EQ(CTransRecord::RTC().Schema(), 1u);
-    EXPECT_EQ(CTransTabel::RTC().Schema(), 1u);
+    EXPECT_EQ(CTransRecord::RTC()->Schema(), 1u);
+    EXPECT_EQ(CTransTabel::RTC()->Schema(), 1u);
 
     // A table: its class, a count of 2, the record class, then a class reference (index 3).
     CTransTabel t;

@@ -70,7 +70,7 @@ std::vector<Check> Checks() {
              }
              file.SeekToBegin();
              CArchiveB ar(&file, CArchiveB::load);
-             ISerObject *o = ar.ReadObject(&CVXStringArray::RTC());
+             ISerObject *o = ar.ReadObject(CVXStringArray::RTC());
              auto *back = static_cast<CVXStringArray *>(o);
              const bool ok = back && back->GetSize() == 1 && back->GetAt(0) == u"a";
              delete o;
