@@ -16,13 +16,13 @@
 #include "platform/VXTypes.h"
 
 // foundation: strings, numbers and text, files and paths, dates
-#include "foundation/FormatArgs.h"
+#include "platform/FormatArgs.h"
 #include "foundation/NumberText.h"
 #include "foundation/VXFile.h"
 #include "foundation/VXODateTime.h"
-#include "foundation/VXString.h"
-#include "foundation/VXStringArray.h"
-#include "foundation/VXStringList.h"
+#include "platform/VXString.h"
+#include "persist/VXStringArray.h"
+#include "persist/VXStringList.h"
 #include "foundation/VXVariant.h"
 
 // persist: serialisable objects, collections, archives

@@ -3,8 +3,8 @@
 // library and CParseString, a restartable tokeniser for lines of text files.
 #pragma once
 
-#include "foundation/FormatArgs.h"
-#include "foundation/VXString.h"
+#include "platform/FormatArgs.h"
+#include "platform/VXString.h"
 #include "platform/VXTypes.h"
 
 #include <cstdint>
@@ -77,16 +77,6 @@ bool IsValidGUID(const CVXString &text);
 // ---- time ----
 // Waits one tick of the system clock, so that two successive time stamps differ.
 void SleepUntilNowIsOver();
-
-// ---- estimate ----
-// Upper bound of the printed length of an 8-bit format (the scan of CVXString::Format, with the
-// 8-bit rules: no I64 prefix, 32 for the floating conversions).
-int nEstimateMaxLen(const char *format, const CFormatArgs &args);
-template <class... Args>
-int nEstimateMaxLen(const char *format, const Args &...args) {
-    const CFormatArg list[] = {CFormatArg(args)..., CFormatArg(0)};
-    return nEstimateMaxLen(format, CFormatArgs{list, sizeof...(Args)});
-}
 
 // ---- CParseString ----
 // A restartable tokeniser over one line. Each reader returns 1 for a field given, 0 at the end

@@ -1,6 +1,5 @@
 #include "foundation/VXFile.h"
 
-#include "foundation/VXStringList.h"
 #include "platform/CodePage.h"
 #include "platform/Resources.h"
 #include "platform/UserPrompt.h"
@@ -252,10 +251,13 @@ void TFW2TIFF(CVXString &text) {
 
 // ---- folders ----
 
-void GetFiles(const CVXString &folder, const CVXString &mask, CVXStringList &list, bool bFullPath) {
+std::vector<CVXString> GetFileNames(const CVXString &folder, const CVXString &mask,
+                                    bool bFullPath) {
     const std::string base = WithoutTrailingSeparators(SystemPath(folder));
+    std::vector<CVXString> names;
     for (const std::string &name : MatchingFiles(folder, mask))
-        list.AddTail(FromSystem(bFullPath ? base + "/" + name : name));
+        names.push_back(FromSystem(bFullPath ? base + "/" + name : name));
+    return names;
 }
 
 int CopyFiles(const CVXString &from, const CVXString &to, const CVXString &mask) {

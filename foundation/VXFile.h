@@ -6,10 +6,11 @@
 // system (bExists, GetFiles, CreateTempNaam...) take Linux paths with '/'.
 #pragma once
 
-#include "foundation/VXString.h"
 #include "platform/File.h"
+#include "platform/VXString.h"
 
 #include <cstdint>
+#include <vector>
 
 namespace vx {
 
@@ -103,8 +104,12 @@ void TIFF2TFW(CVXString &text);
 void TFW2TIFF(CVXString &text);
 
 // ---- folders ----
-// Adds the names of the files in `folder` matching `mask` ("*.*" matches every name) to the
-// list, sorted by name; with bFullPath the entries are folder + "/" + name.
+// The names of the files in `folder` matching `mask` ("*.*" matches every name), sorted by
+// name; with bFullPath the entries are folder + "/" + name.
+std::vector<CVXString> GetFileNames(const CVXString &folder, const CVXString &mask,
+                                    bool bFullPath = false);
+// The same names added to the list. Defined with the string list (persist/VXStringList.cpp),
+// which sits above this folder because it is serialisable.
 void GetFiles(const CVXString &folder, const CVXString &mask, CVXStringList &list,
               bool bFullPath = false);
 // Copies (or deletes) the files of a folder that match the mask; the number handled.

@@ -1,7 +1,6 @@
 #include "foundation/VXODateTime.h"
 
 #include "foundation/NumberText.h"
-#include "persist/ArchiveB.h"
 #include "platform/Resources.h"
 
 #include <algorithm>
@@ -609,17 +608,6 @@ bool CVXODateTime::FromISODateTime(const CVXString &text) {
     if (!FromSystemTime(st)) return false;
     *this += COleDateTimeSpan(0, factor * hours, factor * minutes, 0);
     return m_status == valid;
-}
-
-// The status as a 32-bit long, then the value.
-void CVXODateTime::SerializeB(CArchiveB &ar) {
-    if (ar.IsStoring()) {
-        ar << static_cast<int32_t>(m_status) << m_dt;
-        return;
-    }
-    int32_t status = 0;
-    ar >> status >> m_dt;
-    m_status = static_cast<DateTimeStatus>(status);
 }
 
 } // namespace vx

@@ -11,7 +11,7 @@
 // reads it again (after the TZ variable changed, or to take the offset of a given moment).
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 #include "platform/VXTypes.h"
 
 #include <cstdint>
@@ -160,7 +160,7 @@ public:
     bool FromISODateTime(const CVXString &text);
 
     // Binary form: the status as a 32-bit integer, then the value as a double, both ways.
-    // Defined with the binary archive.
+    // Defined with the archive (persist/SerialForms.cpp), which sits above dates.
     void SerializeB(CArchiveB &ar);
 
 private:

@@ -4,7 +4,7 @@
 // DISP_E_OVERFLOW for a number out of the target's range).
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 
 #include <cstdint>
 

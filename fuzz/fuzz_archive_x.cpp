@@ -1,6 +1,6 @@
 // libFuzzer target: the XML archive loading arbitrary text (the bytes as UTF-8) and the root
 // object from it. A hostile document may only end in CVXComError.
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 #include "persist/ArchiveX.h"
 #include "persist/SerObject.h"
 #include "platform/CodePage.h"

@@ -7,7 +7,7 @@
 // text (clockwise, directions from north) and back.
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 
 namespace vx {
 

@@ -8,7 +8,7 @@
 // out of XYZToEll lie in [0, 2*pi).
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 #include "platform/Object.h"
 
 namespace vx {

@@ -7,7 +7,7 @@
 // bilinearly.
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 
 #include <vector>
 

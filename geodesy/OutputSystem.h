@@ -8,7 +8,7 @@
 // 1 m step through the geocentric chord, and by Bowring's short-line inverse formula).
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 #include "geodesy/Ellipsoid.h"
 #include "persist/RuntimeCreator.h"
 #include "persist/SerObject.h"

@@ -3,8 +3,8 @@
 #include "geometry/Deel.h"
 #include "geometry/Tolerances.h"
 #include "geometry/VXCoordArr.h"
-#include "host/Logger.h"
 #include "platform/Assert.h"
+#include "platform/UserPrompt.h"
 
 #include <cmath>
 #include <numbers>
@@ -265,7 +265,7 @@ int CVXCoord::nBoogBoogSnij(CVXCoord **p1, CVXCoord **p2, const CVXCoord *const 
         text.Format(u"Nauwkeurigheids probleem bij het berekenen van de snijpunten van 2 bogen: "
                     u"%8.3f,%8.3f en %8.3f,%8.3f",
                     arc1[0]->m_dX, arc1[0]->m_dY, arc2[0]->m_dX, arc2[0]->m_dY);
-        NLogger::LogMessage(NLogger::Info, text);
+        LogToHost(kLogInfo, text);
         return 0;
     }
     const double h = std::sqrt(r1 * r1 - a * a);

@@ -11,7 +11,7 @@
 // result points handed back through `CVXCoord **` are heap objects that the caller deletes.
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 #include "persist/RuntimeCreator.h"
 #include "persist/SerObject.h"
 #include "platform/VXTypes.h"

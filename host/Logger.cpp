@@ -101,6 +101,10 @@ void PromptToLog(int level, const CVXString &text) {
     LogMessage(szPromptSource, static_cast<Severity>(level), text);
 }
 
+void HostToLog(int level, const CVXString &text) {
+    LogMessage(static_cast<Severity>(level), text);
+}
+
 bool Enabled(Severity severity) {
     const CLogState &s = State();
     return severity <= s.m_nVerbosity && s.m_file.IsOpen();
@@ -131,11 +135,13 @@ void Initialize(const CVXString &dir) {
         s.m_szPath = path;
         SetAssertSink(&AssertToLog);
         SetPromptLogSink(&PromptToLog);
+        SetHostLogSink(&HostToLog);
     } else {
         // A silent log would swallow the reports: they go back to standard error.
         s.m_szPath.Empty();
         SetAssertSink(nullptr);
         SetPromptLogSink(nullptr);
+        SetHostLogSink(nullptr);
     }
 }
 

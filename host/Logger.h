@@ -10,7 +10,7 @@
 // messages of the no-host user prompt into the log.
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 
 namespace vx::NLogger {
 

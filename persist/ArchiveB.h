@@ -17,7 +17,7 @@
 // left before anything is sized by them, and objects nest at most kMaxDepth deep.
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 #include "platform/File.h"
 
 #include <cstdint>

@@ -7,7 +7,7 @@
 // mark and white space an XML document starts with '<'; anything else is read as binary.
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 #include "persist/SerObject.h"
 
 #include <cstddef>

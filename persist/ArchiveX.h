@@ -8,7 +8,7 @@
 // "VXXMLArchive" for an archive on a file and "VXA" for one in memory.
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 #include "foundation/VXVariant.h"
 #include "persist/Dom.h"
 #include "platform/VXTypes.h"

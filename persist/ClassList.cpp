@@ -6,7 +6,7 @@
 namespace vx {
 
 void RegisterPersistClasses();
-void RegisterFoundationClasses();
+void RegisterStringCollectionClasses();
 void RegisterGeometryClasses();
 void RegisterGeodesyClasses();
 void RegisterTransformClasses();
@@ -14,7 +14,7 @@ void RegisterInstrumentClasses();
 
 void RegisterLibraryClasses() {
     RegisterPersistClasses();
-    RegisterFoundationClasses();
+    RegisterStringCollectionClasses();
 #if VX_HAVE_GEOMETRY
     RegisterGeometryClasses();
 #endif

@@ -3,7 +3,7 @@
 // pugixml under both names; a host may register others.
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 #include "foundation/VXVariant.h"
 
 #include <utility>

@@ -7,7 +7,7 @@
 // so renaming a class breaks old files.
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 
 #include <cstdint>
 #include <typeinfo>

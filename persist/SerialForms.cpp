@@ -1,5 +1,6 @@
 #include "persist/SerialForms.h"
 
+#include "foundation/VXODateTime.h"
 #include "persist/ArchiveB.h"
 #include "persist/ArchiveX.h"
 #include "persist/SerObject.h"
@@ -49,3 +50,19 @@ CSerObject *AsSerObjectX(ISerObject *object) {
 }
 
 } // namespace vx::serial
+
+namespace vx {
+
+// The date's binary form lives with the archive: dates sit below persistence.
+// The status as a 32-bit long, then the value.
+void CVXODateTime::SerializeB(CArchiveB &ar) {
+    if (ar.IsStoring()) {
+        ar << static_cast<int32_t>(m_status) << m_dt;
+        return;
+    }
+    int32_t status = 0;
+    ar >> status >> m_dt;
+    m_status = static_cast<DateTimeStatus>(status);
+}
+
+} // namespace vx

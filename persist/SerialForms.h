@@ -3,7 +3,7 @@
 // array beyond what it holds.
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 #include "persist/ArchiveB.h"
 #include "persist/ArchiveX.h"
 

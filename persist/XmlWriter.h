@@ -4,7 +4,7 @@
 // literal piece as a Write call of its own.
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 
 namespace vx {
 

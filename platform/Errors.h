@@ -2,7 +2,7 @@
 // invalid-argument failure that stands for an index or argument the caller got wrong.
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 #include "platform/VXTypes.h"
 
 #include <stdexcept>

@@ -8,7 +8,7 @@
 // with sharingViolation. Programs that do not use CFile are not held back by these locks.
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 
 #include <cstdint>
 #include <exception>

@@ -2,7 +2,7 @@
 // "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}".
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 #include "platform/VXTypes.h"
 
 namespace vx {

@@ -1,6 +1,6 @@
 #include "platform/Object.h"
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 
 #include <cstdlib>
 #include <cxxabi.h>

@@ -1,6 +1,6 @@
 #include "platform/Resources.h"
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 
 #include <atomic>
 #include <cstdlib>

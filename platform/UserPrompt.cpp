@@ -1,6 +1,6 @@
 #include "platform/UserPrompt.h"
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 
 #include <atomic>
 #include <cstdio>
@@ -10,6 +10,7 @@ namespace vx {
 namespace {
 
 std::atomic<PromptLogSink> g_logSink{nullptr};
+std::atomic<PromptLogSink> g_hostLogSink{nullptr};
 
 void LogWithoutHost(int level, const CVXString &text) {
     if (PromptLogSink sink = g_logSink.load())
@@ -47,6 +48,17 @@ IUserPrompt &GetUserPrompt() {
 
 void SetPromptLogSink(PromptLogSink sink) {
     g_logSink.store(sink);
+}
+
+void SetHostLogSink(PromptLogSink sink) {
+    g_hostLogSink.store(sink);
+}
+
+void LogToHost(int level, const CVXString &text) {
+    if (PromptLogSink sink = g_hostLogSink.load())
+        sink(level, text);
+    else if (level <= kLogWarning)
+        std::fprintf(stderr, "%s\n", static_cast<const char *>(text));
 }
 
 } // namespace vx

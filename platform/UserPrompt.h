@@ -27,7 +27,15 @@ IUserPrompt &GetUserPrompt();
 // initialised (levels: 1 error, 2 warning). Until then they go to standard error.
 inline constexpr int kLogError = 1;
 inline constexpr int kLogWarning = 2;
+inline constexpr int kLogInfo = 3;
 using PromptLogSink = void (*)(int level, const CVXString &text);
 void SetPromptLogSink(PromptLogSink sink);
+
+// A message for the process log from code below the logger (the geometry's accuracy notes, for
+// one). The logger installs itself as this sink too (lines without a source name); without it,
+// errors and warnings go to standard error and information is dropped, as the logger's default
+// verbosity would drop it.
+void SetHostLogSink(PromptLogSink sink);
+void LogToHost(int level, const CVXString &text);
 
 } // namespace vx

@@ -6,7 +6,7 @@
 // "\n" written becomes "\r\n".
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 #include "platform/File.h"
 
 #include <cstdint>

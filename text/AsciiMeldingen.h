@@ -4,7 +4,7 @@
 // source file; CAsciiProgress is a message list with a progress display.
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 #include "platform/Object.h"
 #include "text/AsciiFile.h"
 #include "text/Progress.h"

@@ -4,7 +4,7 @@
 // bar on a terminal stream.
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 #include "platform/Object.h"
 
 #include <cstdint>

@@ -10,7 +10,7 @@
 // Copies share one stream. Close() closes it for all copies; the last copy to go closes it too.
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 
 #include <memory>
 

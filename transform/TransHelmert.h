@@ -14,7 +14,7 @@
 // but not exactly).
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 #include "geometry/VXCoord.h"
 #include "persist/RuntimeCreator.h"
 #include "persist/SerCollections.h"

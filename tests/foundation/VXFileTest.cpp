@@ -1,5 +1,5 @@
 #include "foundation/VXFile.h"
-#include "foundation/VXStringList.h"
+#include "persist/VXStringList.h"
 #include "platform/Resources.h"
 #include "platform/UserPrompt.h"
 #include "support/TestSupport.h"

@@ -2,7 +2,7 @@
 // lines from (x, y, code) triples.
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 #include "geometry/VXCoordArr.h"
 #include "platform/Assert.h"
 

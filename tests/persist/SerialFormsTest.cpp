@@ -1,5 +1,5 @@
-#include "foundation/VXStringArray.h"
-#include "foundation/VXStringList.h"
+#include "persist/VXStringArray.h"
+#include "persist/VXStringList.h"
 #include "persist/ArchiveB.h"
 #include "persist/ArchiveX.h"
 #include "persist/RTCTree.h"

@@ -1,5 +1,5 @@
 #include "platform/Object.h"
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 #include "platform/Geometry2D.h"
 #include "platform/Lists.h"
 

@@ -1,7 +1,7 @@
 // Helpers for tests of serial forms: a binary archive over a memory file, both directions.
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 #include "persist/ArchiveB.h"
 #include "platform/File.h"
 

@@ -2,7 +2,7 @@
 // nowhere) and the message about them is swallowed by a silent host prompt.
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 #include "platform/UserPrompt.h"
 
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 // done by persist/ArchiveFiles; this file only reads the arguments and reports.
 #include "Command.h"
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 #include "persist/ArchiveFiles.h"
 
 #include <cstdio>

@@ -11,7 +11,7 @@
 #include "Command.h"
 
 #include "foundation/NumberText.h"
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 #include "geodesy/Angles.h"
 #include "geodesy/OutputSystem.h"
 #include "geometry/VXCoord.h"

@@ -4,8 +4,8 @@
 #include "Command.h"
 
 #include "foundation/NumberText.h"
-#include "foundation/VXString.h"
-#include "foundation/VXStringArray.h"
+#include "platform/VXString.h"
+#include "persist/VXStringArray.h"
 #include "geometry/Deel.h"
 #include "geometry/VXCoord.h"
 #include "persist/ArchiveB.h"

@@ -1,4 +1,4 @@
-#include "foundation/VXStringArray.h"
+#include "persist/VXStringArray.h"
 
 #include "persist/ArchiveB.h"
 #include "persist/ArchiveX.h"

@@ -1,4 +1,4 @@
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 
 #include "platform/Bstr.h"
 #include "platform/CodePage.h"

@@ -5,11 +5,10 @@
 // string is printed into a buffer of that bound: in the rare case where the printed text is
 // longer (a precision beyond the estimate's allowance, such as "%.200e"), the text is cut at the
 // bound. We chose cutting over failing: the original printer's behaviour there was undefined.
-#include "foundation/NumberText.h"
-#include "foundation/VXString.h"
 #include "platform/Bstr.h"
 #include "platform/CodePage.h"
 #include "platform/Errors.h"
+#include "platform/VXString.h"
 
 #include <algorithm>
 #include <cstdio>

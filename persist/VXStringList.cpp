@@ -1,5 +1,7 @@
-#include "foundation/VXStringList.h"
-#include "foundation/VXStringArray.h"
+#include "persist/VXStringList.h"
+
+#include "foundation/VXFile.h"
+#include "persist/VXStringArray.h"
 
 #include "persist/ArchiveB.h"
 #include "persist/ArchiveX.h"
@@ -47,7 +49,12 @@ void CVXStringList::SerializeX(CArchiveX &ar) {
     }
 }
 
-void RegisterFoundationClasses() {
+void GetFiles(const CVXString &folder, const CVXString &mask, CVXStringList &list, bool bFullPath) {
+    for (const CVXString &name : GetFileNames(folder, mask, bFullPath))
+        list.AddTail(name);
+}
+
+void RegisterStringCollectionClasses() {
     const CRuntimeCreator *const creators[] = {CVXStringArray::RTC(), CVXStringList::RTC()};
     static_cast<void>(creators);
 }

@@ -4,7 +4,7 @@
 // New slots hold the empty (null) string; dropped elements are released.
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 #include "persist/RuntimeCreator.h"
 #include "persist/SerObject.h"
 #include "platform/Lists.h"

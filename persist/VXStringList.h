@@ -2,7 +2,7 @@
 // Positions stay valid while other elements come and go.
 #pragma once
 
-#include "foundation/VXString.h"
+#include "platform/VXString.h"
 #include "persist/RuntimeCreator.h"
 #include "persist/SerObject.h"
 #include "platform/Lists.h"

@@ -85,4 +85,13 @@ struct CFormatArgs {
     size_t nCount = 0;
 };
 
+// Upper bound of the printed length of an 8-bit format (the scan of CVXString::Format, with the
+// 8-bit rules: no I64 prefix, 32 for the floating conversions).
+int nEstimateMaxLen(const char *format, const CFormatArgs &args);
+template <class... Args>
+int nEstimateMaxLen(const char *format, const Args &...args) {
+    const CFormatArg list[] = {CFormatArg(args)..., CFormatArg(0)};
+    return nEstimateMaxLen(format, CFormatArgs{list, sizeof...(Args)});
+}
+
 } // namespace vx
