@@ -132,7 +132,7 @@ void CVXString::Release() noexcept {
     if (!m_pData) return;
     if (m_pData->m_nRef.fetch_sub(1, std::memory_order_acq_rel) == 1) {
         SysFreeString(m_pData->m_bstr);
-        std::free(m_pData->m_psz);
+        std::free(m_pData->m_psz.load(std::memory_order_relaxed));
         delete m_pData;
     }
     m_pData = nullptr;
@@ -208,7 +208,7 @@ CVXString &CVXString::operator=(const char16_t *text) {
 
 CVXString &CVXString::operator=(const char *text) {
     // Assigning the node's own 8-bit form is a no-op.
-    if (m_pData && text && text == m_pData->m_psz) return *this;
+    if (m_pData && text && text == m_pData->m_psz.load(std::memory_order_acquire)) return *this;
     if (!text || !*text) {
         Release();
         return *this;
@@ -239,11 +239,17 @@ void CVXString::Empty() noexcept {
     Release();
 }
 
+void CVXString::ThrowBadIndex(int i) const {
+    throw CInvalidArgException("CVXString: index " + std::to_string(i) + " outside a text of " +
+                               std::to_string(GetLength()) + " units");
+}
+
 char CVXString::GetAtA(int i) const {
-    return WideCharToCodePage(m_pData->m_bstr[i]);
+    return WideCharToCodePage(GetAtU(i));
 }
 
 void CVXString::SetAtU(int i, char16_t ch) {
+    CheckIndex(i);
     CopyBeforeWrite();
     m_pData->m_bstr[i] = ch;
 }
@@ -254,17 +260,21 @@ CVXString::operator const char16_t *() const noexcept {
 
 CVXString::operator const char *() const {
     if (!m_pData) return kEmptyA;
-    if (!m_pData->m_psz) {
-        // Built from the wide text up to its first zero unit and kept in the node, so every
-        // sharer sees the same pointer for as long as the node lives.
-        const BSTR w = m_pData->m_bstr;
-        const std::string narrow = WideToCodePage(w, StrLenU(w));
-        char *copy = static_cast<char *>(std::malloc(narrow.size() + 1));
-        if (!copy) throw CVXComError(E_OUTOFMEMORY, __FILE__, __LINE__);
-        std::memcpy(copy, narrow.c_str(), narrow.size() + 1);
-        m_pData->m_psz = copy;
-    }
-    return m_pData->m_psz;
+    if (char *view = m_pData->m_psz.load(std::memory_order_acquire)) return view;
+    // Built from the wide text up to its first zero unit and kept in the node, so every sharer
+    // sees the same pointer for as long as the node lives. Sharers in other threads may build it
+    // at the same time: the first to publish wins and the others free their copy.
+    const BSTR w = m_pData->m_bstr;
+    const std::string narrow = WideToCodePage(w, StrLenU(w));
+    char *copy = static_cast<char *>(std::malloc(narrow.size() + 1));
+    if (!copy) throw CVXComError(E_OUTOFMEMORY, __FILE__, __LINE__);
+    std::memcpy(copy, narrow.c_str(), narrow.size() + 1);
+    char *expected = nullptr;
+    if (m_pData->m_psz.compare_exchange_strong(expected, copy, std::memory_order_acq_rel,
+                                               std::memory_order_acquire))
+        return copy;
+    std::free(copy);
+    return expected;
 }
 
 // ---- concatenation ----

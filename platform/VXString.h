@@ -8,6 +8,11 @@
 // The 8-bit form is built lazily and kept in the node. In-place edits (MakeUpper, MakeLower,
 // MakeReverse, Replace of units, SetAtU) do not refresh it: callers of the original library
 // relied on the pointer staying valid, so a stale 8-bit view after such an edit is kept.
+//
+// Threads: copies behave as independent values. The wide text of a shared node is never written
+// (a write first takes a node of its own), and the 8-bit form is published once with an atomic
+// compare-and-swap, so two threads converting two copies of one string both get the same, fully
+// built view and nothing leaks. One CVXString object is still one thread's at a time.
 #pragma once
 
 #include "platform/FormatArgs.h"
@@ -22,9 +27,9 @@ class VXVariant;
 
 // The shared node. Allocated on the heap, freed by whoever releases the last reference.
 struct CVXStringData {
-    BSTR m_bstr = nullptr;          // the wide text, owned
-    char *m_psz = nullptr;          // the 8-bit form, built on demand, owned
-    std::atomic<int32_t> m_nRef{1}; // number of CVXString values pointing here
+    BSTR m_bstr = nullptr;              // the wide text, owned
+    std::atomic<char *> m_psz{nullptr}; // the 8-bit form, built on demand, published once, owned
+    std::atomic<int32_t> m_nRef{1};     // number of CVXString values pointing here
 };
 
 class CVXString {
@@ -55,8 +60,13 @@ public:
     bool IsEmpty() const noexcept { return GetLength() == 0; }
     void Empty() noexcept;
 
-    char16_t GetAtU(int i) const { return m_pData->m_bstr[i]; }
-    char16_t operator[](int i) const { return m_pData->m_bstr[i]; }
+    // Units by index. An index outside 0 .. GetLength() - 1 (any index of the empty string)
+    // raises CInvalidArgException instead of reading or writing outside the text.
+    char16_t GetAtU(int i) const {
+        CheckIndex(i);
+        return m_pData->m_bstr[i];
+    }
+    char16_t operator[](int i) const { return GetAtU(i); }
     // One unit converted to one byte of the code page.
     char GetAtA(int i) const;
     void SetAtU(int i, char16_t ch);
@@ -135,6 +145,10 @@ public:
     const CVXStringData *GetData() const noexcept { return m_pData; }
 
 private:
+    void CheckIndex(int i) const {
+        if (static_cast<unsigned>(i) >= static_cast<unsigned>(GetLength())) ThrowBadIndex(i);
+    }
+    [[noreturn]] void ThrowBadIndex(int i) const;
     void Release() noexcept;
     void AssignText(const char16_t *text, int len);
     void AssignBstr(BSTR text);

@@ -8,6 +8,8 @@
 
 #include <cstring>
 #include <string>
+#include <thread>
+#include <vector>
 
 using namespace vx;
 
@@ -84,6 +86,53 @@ TEST(VXString, EightBitViewIsBuiltOnceAndGoesStaleAfterInPlaceEdits) {
     const CVXStringData *node = s.GetData();
     s = static_cast<const char *>(s);
     EXPECT_EQ(s.GetData(), node);
+}
+
+TEST(VXString, IndexOutsideTheTextIsAnError) {
+    // Reading or writing past the text used to dereference the null node of the empty string.
+    const CVXString empty;
+    EXPECT_THROW(empty.GetAtU(0), CInvalidArgException);
+    EXPECT_THROW(empty[0], CInvalidArgException);
+    const CVXString ab(u"ab");
+    EXPECT_EQ(ab.GetAtU(1), u'b');
+    EXPECT_THROW(ab.GetAtU(2), CInvalidArgException); // the terminator is not a unit
+    EXPECT_THROW(ab[-1], CInvalidArgException);
+    EXPECT_THROW(ab.GetAtA(2), CInvalidArgException);
+    CVXString edit(u"ab");
+    const CVXString shared = edit;
+    EXPECT_THROW(edit.SetAtU(2, u'x'), CInvalidArgException);
+    CVXString none;
+    EXPECT_THROW(none.SetAtU(0, u'x'), CInvalidArgException);
+    EXPECT_TRUE(none.IsEmpty());
+    // A refused write leaves both the text and its sharing alone.
+    EXPECT_EQ(edit, u"ab");
+    EXPECT_EQ(edit.GetData(), shared.GetData());
+}
+
+TEST(VXString, CopiesConvertToEightBitsFromManyThreads) {
+    // Every thread converts its own copy of one string: they share the node, so they must all
+    // see one fully built view (ThreadSanitizer checks the publication, LeakSanitizer that the
+    // losing copies are freed).
+    constexpr int kThreads = 4;
+    constexpr int kRounds = 200;
+    for (int round = 0; round < kRounds; ++round) {
+        const CVXString original(u"Gem\u00e4\u00dfigte Zone " +
+                                 CVXString(static_cast<char16_t>(u'A' + round % 26)));
+        std::vector<CVXString> copies(kThreads, original);
+        std::vector<const char *> views(kThreads, nullptr);
+        std::vector<std::thread> threads;
+        for (int t = 0; t < kThreads; ++t)
+            threads.emplace_back([&copies, &views, t] { views[t] = copies[t]; });
+        for (std::thread &th : threads)
+            th.join();
+        for (int t = 0; t < kThreads; ++t) {
+            EXPECT_EQ(views[t], views[0]);
+            // In Windows-1252 a-umlaut is 0xE4 and sharp s 0xDF.
+            const std::string expected =
+                std::string("Gem\xe4\xdfigte Zone ") + static_cast<char>('A' + round % 26);
+            ASSERT_STREQ(views[t], expected.c_str());
+        }
+    }
 }
 
 TEST(VXString, EightBitTextGoesThroughTheCodePage) {
