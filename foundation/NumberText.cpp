@@ -1,5 +1,7 @@
 #include "foundation/NumberText.h"
 
+#include "foundation/VXODateTime.h"
+
 #include "platform/Bstr.h"
 #include "platform/Guid.h"
 #include "platform/Resources.h"
@@ -230,6 +232,10 @@ CVXString DumpDouble(double value) {
 CVXString Spaces(int n) {
     static const CVXString blanks(u' ', 89);
     return blanks.Left(n);
+}
+
+CVXString szDate2String(const CVXODateTime &date) {
+    return date.Format("%Y-%m-%dT%H:%M:%S");
 }
 
 // ---- strings ----

@@ -11,6 +11,8 @@
 
 namespace vx {
 
+class CVXODateTime;
+
 // ---- from text ----
 // Non-zero on success; `out` is undefined after a failure. The number may have blanks before
 // and after it and nothing else; the decimal separator is the full stop.
@@ -50,6 +52,9 @@ void NanDouble2String(const char16_t *format, CVXString &out, double value);
 CVXString DumpDouble(double value);
 // At most 89 blanks: Left(n) of a fixed run of 89.
 CVXString Spaces(int n);
+// The date in local time as "YYYY-MM-DDThh:mm:ss" (Format with "%Y-%m-%dT%H:%M:%S"); a null or
+// invalid date gives the word for unknown, as Format does.
+CVXString szDate2String(const CVXODateTime &date);
 
 // ---- strings ----
 // Strips white space at both ends, in place.

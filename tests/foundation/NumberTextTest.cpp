@@ -1,4 +1,5 @@
 #include "foundation/NumberText.h"
+#include "foundation/VXODateTime.h"
 #include "platform/Resources.h"
 #include "platform/UserPrompt.h"
 
@@ -108,6 +109,21 @@ TEST(Number2String, FormatsByType) {
     EXPECT_TRUE(Spaces(0).IsEmpty());
     EXPECT_TRUE(Spaces(-3).IsEmpty());
     EXPECT_EQ(U(Spaces(3)), u"   ");
+}
+
+TEST(Number2String, DateAsIsoTextInLocalTime) {
+    // The tests run in Europe/Amsterdam: 14:07:09 local on 5 March (winter time, UTC+1) is
+    // stored as 13:07:09 UTC and printed back in local time.
+    CVXODateTime::ReloadTimeZoneBias();
+    CVXODateTime d;
+    ASSERT_EQ(d.SetDateTime(2024, 3, 5, 14, 7, 9), 0);
+    EXPECT_EQ(U(szDate2String(d)), u"2024-03-05T14:07:09");
+    CVXODateTime dateOnly;
+    ASSERT_EQ(dateOnly.SetDate(1999, 12, 31), 0);
+    EXPECT_EQ(U(szDate2String(dateOnly)), u"1999-12-31T00:00:00");
+    CVXODateTime none;
+    none.SetStatus(COleDateTime::null);
+    EXPECT_EQ(U(szDate2String(none)), u"Unknown");
 }
 
 TEST(StringHelpers, SpacesCopiesAndComparisons) {
