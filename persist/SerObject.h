@@ -21,6 +21,12 @@ public:
 
     // The named form: saves or loads this object as the element `name` of the XML archive.
     void SerializeX(const CVXString &name, CArchiveX &ar);
+
+    // True when this object's creator is `creator`. The registry keeps no tree of base classes,
+    // so an object is of a kind only when its own creator is that very creator; without a
+    // creator of its own an object is of no registered kind. Callers check it before a cast of
+    // what an archive handed them: the archive does not check the class it was asked for.
+    bool IsKindOf(const CRuntimeCreator *creator) const;
 };
 
 class CSerObject : public ISerObject {
@@ -31,9 +37,6 @@ public:
     virtual void Dump(CDumpContext &dc) const;
 
     using ISerObject::SerializeX;
-    // True when this object's creator is `creator` or (by the registry's class tree) derives
-    // from it. Without a creator of its own an object is of no registered kind.
-    bool IsKindOf(const CRuntimeCreator *creator) const;
 };
 
 } // namespace vx

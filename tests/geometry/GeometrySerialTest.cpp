@@ -83,6 +83,31 @@ TEST(GeometrySerial, CoordBinaryBytesAndRoundTrip) {
     EXPECT_EQ(r.m_dX, 1.5);
 }
 
+TEST(GeometrySerial, CreatorPointersReadAsUsersWriteThem) {
+    // The forms users write: RTC() is the same pointer as the virtual RuntimeCreator(), passed
+    // straight to ReadObject and IsKindOf.
+    CVXCoordArr line;
+    line.Add(new CVXCoord(1.0, 2.0));
+    const Bytes bytes = Store([&](CArchiveB &ar) { ar.WriteObject(&line); });
+    std::unique_ptr<ISerObject> loaded;
+    Load(bytes, [&](CArchiveB &ar) { loaded.reset(ar.ReadObject(CVXCoordArr::RTC())); });
+    ASSERT_NE(loaded, nullptr);
+    EXPECT_EQ(loaded->RuntimeCreator(), CVXCoordArr::RTC());
+    EXPECT_TRUE(loaded->IsKindOf(CVXCoordArr::RTC()));
+    EXPECT_FALSE(loaded->IsKindOf(CExtents::RTC()));
+    // The array does not own what a generic load put in it: free the point by hand.
+    auto *arr = static_cast<CSerObArray *>(loaded.get());
+    ASSERT_EQ(arr->GetSize(), 1);
+    delete arr->GetAt(0);
+
+    const CExtents box;
+    const Bytes boxBytes = Store([&](CArchiveB &ar) { ar.WriteObject(&box); });
+    Load(boxBytes, [&](CArchiveB &ar) { loaded.reset(ar.ReadObject(CExtents::RTC())); });
+    ASSERT_NE(loaded, nullptr);
+    EXPECT_TRUE(loaded->IsKindOf(CExtents::RTC()));
+    EXPECT_EQ(box.RuntimeCreator(), CExtents::RTC());
+}
+
 TEST(GeometrySerial, CoordXmlNamedFormAndDump) {
     CVXCoord p = SamplePoint();
     p.m_dZ = 3.0;

@@ -4,17 +4,18 @@
 #include "Command.h"
 
 #include "foundation/NumberText.h"
-#include "platform/VXString.h"
-#include "persist/VXStringArray.h"
 #include "geometry/Deel.h"
 #include "geometry/VXCoord.h"
 #include "persist/ArchiveB.h"
 #include "persist/ArchiveX.h"
+#include "persist/VXStringArray.h"
 #include "platform/File.h"
+#include "platform/VXString.h"
 
 #include <cmath>
 #include <cstdio>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -70,11 +71,17 @@ std::vector<Check> Checks() {
              }
              file.SeekToBegin();
              CArchiveB ar(&file, CArchiveB::load);
-             ISerObject *o = ar.ReadObject(CVXStringArray::RTC());
-             auto *back = static_cast<CVXStringArray *>(o);
-             const bool ok = back && back->GetSize() == 1 && back->GetAt(0) == u"a";
-             delete o;
-             return ok;
+             // The archive does not check the class of a new object against the one asked
+             // for: a caller that needs a given class checks it before the cast.
+             const std::unique_ptr<ISerObject> o(ar.ReadObject(CVXStringArray::RTC()));
+             if (!o || !o->IsKindOf(CVXStringArray::RTC())) {
+                 std::fprintf(stderr, "  expected a CVXStringArray, found %s\n",
+                              o ? static_cast<const char *>(o->RuntimeCreator()->ClassName())
+                                : "no object");
+                 return false;
+             }
+             const auto *back = static_cast<const CVXStringArray *>(o.get());
+             return back->GetSize() == 1 && back->GetAt(0) == u"a";
          }},
         {"XML archive round trip",
          [] {
