@@ -1,5 +1,6 @@
 #include "geodesy/GeodesyResources.h"
 
+#include "geodesy/ProjectionTable.h"
 #include "platform/Resources.h"
 
 #include <iterator>
@@ -9,8 +10,7 @@ namespace vx {
 
 namespace {
 
-// Projection display names have no Dutch or Chinese text of their own: the look-up falls back to
-// English for them (null entries). Keywords are the same in every language.
+// The projections' names and keywords come from the projection table (ProjectionTable.cpp).
 constexpr SResourceText s_GeodesyTexts[] = {
     // Ellipsoid display names.
     {1, u"Airy", u"Airy", u"艾拉里 (Airy)"},
@@ -40,46 +40,6 @@ constexpr SResourceText s_GeodesyTexts[] = {
     {47, u"Timbalai Everest", u"Timbalai Everest", u"廷巴拉艾菲渃斯特 (Timbalai Everest)"},
     {64, u"IAG75", u"IAG75", u"IAG75"},
     {65, u"IUGG75", u"IUGG75", u"IUGG75"},
-    // Projection display names.
-    {23, u"None", nullptr, nullptr},
-    {24, u"RD", nullptr, nullptr},
-    {25, u"Lambert 72", nullptr, nullptr},
-    {26, u"Gauss Kruger", nullptr, nullptr},
-    {27, u"UTM North", nullptr, nullptr},
-    {28, u"UTM South", nullptr, nullptr},
-    {29, u"Local (stereographic)", nullptr, nullptr},
-    {30, u"TM", nullptr, nullptr},
-    {31, u"Stereographic", nullptr, nullptr},
-    {32, u"Lambert1 (1 parallel)", nullptr, nullptr},
-    {33, u"Lambert2 (2 parallels)", nullptr, nullptr},
-    {48, u"Borneo RSO", nullptr, nullptr},
-    {50, u"Malaysian RSO", nullptr, nullptr},
-    {52, u"RD(incl. correction grid)", nullptr, nullptr},
-    {60, u"Swiss 1903", nullptr, nullptr},
-    {62, u"Lambert72(incl. correction grid)", nullptr, nullptr},
-    {66, u"Lambert 2008", nullptr, nullptr},
-    {68, u"RDNAPTRANS2008", nullptr, nullptr},
-    {70, u"RDNAPTRANS2004", nullptr, nullptr},
-    // Projection keywords.
-    {36, u"NONE", u"NONE", u"NONE"},
-    {37, u"RD", u"RD", u"RD"},
-    {38, u"LAMBERT72", u"LAMBERT72", u"LAMBERT72"},
-    {39, u"GAUSS_KRUGER", u"GAUSS_KRUGER", u"GAUSS_KRUGER"},
-    {40, u"UTM_NORTH", u"UTM_NORTH", u"UTM_NORTH"},
-    {41, u"UTM_SOUTH", u"UTM_SOUTH", u"UTM_SOUTH"},
-    {42, u"LOCAL", u"LOCAL", u"LOCAL"},
-    {43, u"TM", u"TM", u"TM"},
-    {44, u"STEREOGRAPHIC", u"STEREOGRAPHIC", u"STEREOGRAPHIC"},
-    {45, u"LAMBERT1", u"LAMBERT1", u"LAMBERT1"},
-    {46, u"LAMBERT2", u"LAMBERT2", u"LAMBERT2"},
-    {49, u"BRSO", u"BRSO", u"BRSO"},
-    {51, u"MRSO", u"MRSO", u"MRSO"},
-    {53, u"RDNAPTRANS", u"RDNAPTRANS", u"RDNAPTRANS"},
-    {61, u"SWISS", u"SWISS", u"SWISS"},
-    {63, u"LAMBERT72CORR", u"LAMBERT72CORR", u"LAMBERT72CORR"},
-    {67, u"LAMBERT2008", u"LAMBERT2008", u"LAMBERT2008"},
-    {69, u"RDNAPTRANS2008", u"RDNAPTRANS2008", u"RDNAPTRANS2008"},
-    {71, u"RDNAPTRANS2004", u"RDNAPTRANS2004", u"RDNAPTRANS2004"},
     // Correction-grid messages.
     {IDS_GRID_NOT_FOUND, u"not found", u"niet gevonden", nullptr},
     {IDS_GRID_NOT_APPLIED, u"RDNAPTRANS grid correction cannot be applied!",
@@ -92,6 +52,8 @@ void EnsureGeodesyResources() {
     static std::once_flag once;
     std::call_once(once, [] {
         RegisterResourceTable(s_GeodesyTexts, static_cast<unsigned int>(std::size(s_GeodesyTexts)));
+        const std::span<const SResourceText> projections = ProjectionResourceRows();
+        RegisterResourceTable(projections.data(), static_cast<unsigned int>(projections.size()));
     });
 }
 

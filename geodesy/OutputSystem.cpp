@@ -2,14 +2,8 @@
 
 #include "geodesy/Angles.h"
 #include "geodesy/GeodesyResources.h"
-#include "geodesy/NationalGrid.h"
-#include "geodesy/ProjLambert.h"
 #include "geodesy/ProjMath.h"
-#include "geodesy/ProjNone.h"
-#include "geodesy/ProjRSO.h"
-#include "geodesy/ProjStereo.h"
-#include "geodesy/ProjSwiss.h"
-#include "geodesy/ProjTM.h"
+#include "geodesy/ProjectionTable.h"
 #include "geometry/VXCoord.h"
 #include "persist/ArchiveB.h"
 #include "persist/ArchiveX.h"
@@ -20,19 +14,6 @@
 namespace vx {
 
 namespace {
-
-struct SProjectionNames {
-    unsigned int nDisplayId;
-    unsigned int nKeywordId;
-};
-
-// String ids of the display name and the keyword, by projection type.
-constexpr SProjectionNames s_ProjectionNames[] = {
-    {23, 36}, {24, 37}, {25, 38}, {26, 39}, {27, 40}, {28, 41}, {29, 42},
-    {30, 43}, {31, 44}, {32, 45}, {33, 46}, {48, 49}, {50, 51}, {52, 53},
-    {60, 61}, {62, 63}, {66, 67}, {68, 69}, {70, 71},
-};
-constexpr int nProjectionTypes = sizeof(s_ProjectionNames) / sizeof(s_ProjectionNames[0]);
 
 constexpr double dTwoPi = 6.283185307179586;
 // The latitude step of the meridian convergence.
@@ -90,8 +71,10 @@ COutputSystem::COutputSystem(ProjectionType type, CEllipsoid *pEllipsoid, const 
     for (int i = 0; i < 8; ++i)
         m_bEdit[i] = szEditFlags[i] == '1';
     EnsureGeodesyResources();
-    m_szProjectionName.LoadString(s_ProjectionNames[type].nDisplayId);
-    m_szTrav3ProjectionName.LoadString(s_ProjectionNames[type].nKeywordId);
+    if (const SProjectionEntry *e = FindProjection(type)) {
+        m_szProjectionName.LoadString(e->nDisplayId);
+        m_szTrav3ProjectionName.LoadString(e->nKeywordId);
+    }
 }
 
 COutputSystem::~COutputSystem() {
@@ -286,66 +269,25 @@ CVXString COutputSystem::szGetTRAV3InvFlatt() const {
 
 bool bGetProjectionType(const CVXString &keyword, ProjectionType &type) {
     EnsureGeodesyResources();
-    for (int i = 0; i < nProjectionTypes; ++i) {
+    for (const SProjectionEntry &e : ProjectionTable()) {
+        if (e.nType == kNoProjectionType) continue;
         CVXString text;
-        text.LoadString(s_ProjectionNames[i].nKeywordId);
+        text.LoadString(e.nKeywordId);
         if (keyword.Compare(text) == 0) {
-            type = static_cast<ProjectionType>(i);
+            type = static_cast<ProjectionType>(e.nType);
             return true;
         }
     }
     return false;
 }
 
-// What each type takes from the arguments: 0 nothing; 1, 2, 12, 13, 15 to 18 nothing (fixed
-// parameters); 3 lon, east; 4, 5 lon; 6, 7, 8 lon, lat, scale, east, north; 9 lon, lat, par1,
-// scale, east, north; 10 lon, lat, par1, par2, east, north; 11, 14 east, north.
+// What each type takes from the arguments is written beside its maker in ProjectionTable.cpp.
 COutputSystem *pGetNewProjection(ProjectionType type, double lon, double lat, double par1,
                                  double par2, double scale, double east, double north,
                                  const CEllipsoid *pEllipsoid) {
-    const bool bNeedsEllipsoid =
-        type == PT_NONE || (type >= PT_GAUSS_KRUGER && type <= PT_LAMBERT2);
-    if (bNeedsEllipsoid && pEllipsoid == nullptr) return nullptr;
-    switch (type) {
-    case PT_NONE:
-        return new CProjection_NONE(*pEllipsoid);
-    case PT_RD:
-        return new CProjection_RD();
-    case PT_LAMBERT72:
-        return new CProjection_LAMBERT72();
-    case PT_GAUSS_KRUGER:
-        return new CProjection_TM_GAUSS_KRUGER(lon, east, *pEllipsoid);
-    case PT_UTM_NORTH:
-        return new CProjection_TM_NORTH(lon, *pEllipsoid);
-    case PT_UTM_SOUTH:
-        return new CProjection_TM_SOUTH(lon, *pEllipsoid);
-    case PT_LOCAL:
-    case PT_STEREOGRAPHIC:
-        return new CProjection_STEREOGRAPHIC(type, lon, lat, scale, east, north, *pEllipsoid);
-    case PT_TM:
-        return new CProjection_TM_TM(lon, lat, scale, east, north, *pEllipsoid);
-    case PT_LAMBERT1:
-        return new CProjection_LB_LAMBERT1(lon, lat, par1, scale, east, north, *pEllipsoid);
-    case PT_LAMBERT2:
-        return new CProjection_LB_LAMBERT2(lon, lat, par1, par2, east, north, *pEllipsoid);
-    case PT_BRSO:
-        return new CProjection_BRSO(east, north);
-    case PT_MRSO:
-        return new CProjection_MRSO();
-    case PT_RDNAPTRANS:
-        return new CProjection_RD2000();
-    case PT_SWISS:
-        return new CProjection_SWISS(east, north);
-    case PT_LAMBERT72CORR:
-        return new CProjection_LAMBERT72CORR();
-    case PT_LAMBERT2008:
-        return new CProjection_LAMBERT2008();
-    case PT_RDNAPTRANS2008:
-        return new CProjection_RDNAPTRANS2008();
-    case PT_RDNAPTRANS2004:
-        return new CProjection_RDNAPTRANS2004();
-    }
-    return nullptr;
+    const SProjectionEntry *e = FindProjection(type);
+    if (e == nullptr || (e->bNeedsEllipsoid && pEllipsoid == nullptr)) return nullptr;
+    return e->pCreate({lon, lat, par1, par2, scale, east, north, pEllipsoid});
 }
 
 COutputSystem *pGetNewProjection(const CVXString &keyword, double lon, double lat, double par1,

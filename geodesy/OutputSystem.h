@@ -192,9 +192,13 @@ protected:
 // string table in table order.
 bool bGetProjectionType(const CVXString &keyword, ProjectionType &type);
 
-// A new projection of `type` with the parameters that type uses (see the table in the source);
-// the ellipsoid is copied. Types that need an ellipsoid (0, 3 to 10) give null without one, as
-// do unknown types. The caller owns the result.
+// True for the types made on an ellipsoid of the caller's choice (0 and 3 to 10): the plain
+// projections. The national systems bring their own.
+bool bProjectionNeedsEllipsoid(ProjectionType type);
+
+// A new projection of `type` with the parameters that type uses (see the projection table);
+// the ellipsoid is copied. Types that need an ellipsoid give null without one, as do unknown
+// types. The caller owns the result.
 COutputSystem *pGetNewProjection(ProjectionType type, double lon, double lat, double par1,
                                  double par2, double scale, double east, double north,
                                  const CEllipsoid *pEllipsoid);

@@ -138,6 +138,18 @@ TEST_F(OutputSystemTest, FactoryUsesTheParametersOfEachType) {
     EXPECT_EQ(pGetNewProjection(PT_NONE, 0, 0, 0, 0, 1, 0, 0, nullptr), nullptr);
     EXPECT_EQ(pGetNewProjection(static_cast<ProjectionType>(19), 0, 0, 0, 0, 1, 0, 0, &clarke),
               nullptr);
+    // The plain projections (0 and 3 to 10) take the caller's ellipsoid; the rest bring theirs
+    // and are made without one.
+    for (int t = PT_NONE; t <= PT_RDNAPTRANS2004; ++t) {
+        const auto type = static_cast<ProjectionType>(t);
+        const bool plain = t == 0 || (t >= 3 && t <= 10);
+        EXPECT_EQ(bProjectionNeedsEllipsoid(type), plain) << t;
+        const std::unique_ptr<COutputSystem> p(
+            pGetNewProjection(type, 0, 0, 0, 0, 1, 0, 0, plain ? &clarke : nullptr));
+        ASSERT_NE(p, nullptr) << t;
+        EXPECT_EQ(p->nGetProjection(), t);
+    }
+    EXPECT_FALSE(bProjectionNeedsEllipsoid(static_cast<ProjectionType>(-1)));
     for (int type : {1, 2, 11, 12, 13, 14, 15, 16, 17, 18}) {
         const std::unique_ptr<COutputSystem> p(pGetNewProjection(
             static_cast<ProjectionType>(type), 0.1, 0.2, 0.3, 0.4, 0.5, 6.0, 7.0, nullptr));

@@ -11,10 +11,10 @@
 #include "Command.h"
 
 #include "foundation/NumberText.h"
-#include "platform/VXString.h"
 #include "geodesy/Angles.h"
 #include "geodesy/OutputSystem.h"
 #include "geometry/VXCoord.h"
+#include "platform/VXString.h"
 
 #include <cmath>
 #include <cstdio>
@@ -116,7 +116,7 @@ std::unique_ptr<COutputSystem> MakeProjection(const std::string &keyword, const 
         return nullptr;
     }
     const std::unique_ptr<CEllipsoid> defEll(d->pGetNewEllipsoid());
-    const bool bParametric = type == PT_NONE || (type >= PT_GAUSS_KRUGER && type <= PT_LAMBERT2);
+    const bool bParametric = bProjectionNeedsEllipsoid(type);
     const double k = d->dGetProjScaleFac();
     std::unique_ptr<COutputSystem> p(
         pGetNewProjection(type, OrDeg(o.lon0, d->dGetLonOriginCM()),
