@@ -57,6 +57,18 @@ CVXString TextLine(const char16_t *key, const CVXString &value) {
 
 } // namespace
 
+namespace {
+thread_local bool t_bBypassProjectionCache = false;
+} // namespace
+
+void SetProjectionCacheBypass(bool bBypass) {
+    t_bBypassProjectionCache = bBypass;
+}
+
+bool bProjectionCacheBypassed() {
+    return t_bBypassProjectionCache;
+}
+
 double dIso(double p, double e) {
     const double es = e * std::sin(p);
     return std::log(std::tan(p / 2.0 + dPi / 4.0)) - (e / 2.0) * std::log((1.0 + es) / (1.0 - es));

@@ -19,6 +19,11 @@ inline constexpr double dFloatMinGuard = 1.1754943508222875e-38;
 // Isometric latitude: ln(tan(p/2 + pi/4)) - (e/2) ln((1 + e sin p) / (1 - e sin p)).
 double dIso(double p, double e);
 
+// Makes CachedPerThread compute afresh at every call on this thread, as if nothing were kept.
+// For tests that hold the kept constants to a fresh computation through the same code.
+void SetProjectionCacheBypass(bool bBypass);
+bool bProjectionCacheBypassed();
+
 // The constants a projection derives from its parameters, computed by `compute` and kept per
 // thread for the next call with the same parameters. The key is the exact bit pattern of every
 // parameter the constants depend on, so any change (a setter, a loaded archive, another object)
@@ -34,7 +39,7 @@ const std::invoke_result_t<F> &CachedPerThread(F compute, P... params) {
     };
     thread_local SSlot slot;
     const Key key{std::bit_cast<std::uint64_t>(static_cast<double>(params))...};
-    if (!slot.bValid || slot.key != key) {
+    if (!slot.bValid || slot.key != key || bProjectionCacheBypassed()) {
         slot.value = compute();
         slot.key = key;
         slot.bValid = true;
