@@ -7,9 +7,13 @@ install(TARGETS vxcommon EXPORT VXCommonTargets
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES vxcommon.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vxcommon)
-foreach(dir IN LISTS VX_SUBSYSTEMS)
-  install(DIRECTORY ${dir}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vxcommon/${dir}
-          FILES_MATCHING PATTERN "*.h")
+# Public headers one by one, so that internal ones stay out and no empty folder is made.
+foreach(header IN LISTS VX_HEADERS)
+  file(RELATIVE_PATH rel ${PROJECT_SOURCE_DIR} ${header})
+  if(NOT rel IN_LIST VX_INTERNAL_HEADERS)
+    get_filename_component(dir ${rel} DIRECTORY)
+    install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vxcommon/${dir})
+  endif()
 endforeach()
 install(DIRECTORY data/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vxcommon OPTIONAL)
 
