@@ -4,6 +4,8 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 preset="${1:-default}"
 scripts/deps.sh
-cmake --preset "$preset" >/dev/null
+# VX_CMAKE_ARGS: extra configure options (CI passes -DVX_WERROR=ON).
+# shellcheck disable=SC2086
+cmake --preset "$preset" ${VX_CMAKE_ARGS:-} >/dev/null
 cmake --build --preset "$preset" -j "$(nproc)"
 ctest --preset "$preset"
