@@ -1,7 +1,7 @@
 // Angle units and their text forms.
 //
 // Inside the library angles are radians; degrees, degrees-minutes-seconds and gon occur only at
-// the edges. The conversions use pi = 3.1415926535897931 and divide first (d / 180 * pi), so the
+// the edges. The conversions use pi = 3.141592653589793 and divide first (d / 180 * pi), so the
 // results are bit-exact reproductions of the stored values of older data. Hoekfuncties turns the
 // library's mathematical angles (radians, counter-clockwise from the X axis) into surveyors' gon
 // text (clockwise, directions from north) and back.
@@ -11,7 +11,7 @@
 
 namespace vx {
 
-inline constexpr double dPi = 3.1415926535897931;
+inline constexpr double dPi = 3.141592653589793;
 
 double DegToRad(double d);
 double RadToDeg(double r);

@@ -8,8 +8,8 @@
 // out of XYZToEll lie in [0, 2*pi).
 #pragma once
 
-#include "platform/VXString.h"
 #include "platform/Object.h"
+#include "platform/VXString.h"
 
 namespace vx {
 

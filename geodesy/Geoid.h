@@ -14,7 +14,7 @@
 namespace vx {
 
 // The answer for "no geoid height here".
-inline constexpr double dNoGeoidHeight = 999.99900000000002;
+inline constexpr double dNoGeoidHeight = 999.999;
 
 class IGeoidModel {
 public:

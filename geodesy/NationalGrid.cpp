@@ -45,7 +45,7 @@ constexpr double dRDYHigh = 629000.0;
 constexpr double dRDNoData = 1e+38;
 
 // The Belgian grid's no-data threshold (the Surfer blanking value lies above it).
-constexpr double dLb72NoData = 9.9999999999999998e+37;
+constexpr double dLb72NoData = 1e+38;
 
 // The directory of the grid files: VXCOMMON_DATA when set, else the directory of the library
 // binary.
@@ -137,12 +137,9 @@ void Shift2004ToBessel(double &X, double &Y, double &Z) {
     const double X1 = X - 3904046.1779;
     const double Y1 = Y - 368161.3173;
     const double Z1 = Z - 5013449.0585;
-    const double Xn = X - 593.02970000000005 - 4.0812e-06 * X1 - 9.0676999999999996e-06 * Y1 -
-                      1.7004000000000001e-06 * Z1;
-    const double Yn = Y - 26.003799999999998 + 9.0676999999999996e-06 * X1 - 4.0812e-06 * Y1 -
-                      1.9725000000000002e-06 * Z1;
-    const double Zn =
-        Z - 478.7534 + 1.7004000000000001e-06 * X1 + 1.9725000000000002e-06 * Y1 - 4.0812e-06 * Z1;
+    const double Xn = X - 593.0297 - 4.0812e-06 * X1 - 9.0677e-06 * Y1 - 1.7004e-06 * Z1;
+    const double Yn = Y - 26.0038 + 9.0677e-06 * X1 - 4.0812e-06 * Y1 - 1.9725e-06 * Z1;
+    const double Zn = Z - 478.7534 + 1.7004e-06 * X1 + 1.9725e-06 * Y1 - 4.0812e-06 * Z1;
     X = Xn;
     Y = Yn;
     Z = Zn;
@@ -153,12 +150,9 @@ void Shift2004ToEtrs(double &X, double &Y, double &Z) {
     const double X1 = X - 3903453.1482000002;
     const double Y1 = Y - 368135.31339999998;
     const double Z1 = Z - 5012970.3051000005;
-    const double Xn = X + 593.02970000000005 + 4.0812e-06 * X1 + 9.0676999999999996e-06 * Y1 +
-                      1.7004000000000001e-06 * Z1;
-    const double Yn = Y + 26.003799999999998 - 9.0676999999999996e-06 * X1 + 4.0812e-06 * Y1 +
-                      1.9725000000000002e-06 * Z1;
-    const double Zn =
-        Z + 478.7534 - 1.7004000000000001e-06 * X1 - 1.9725000000000002e-06 * Y1 + 4.0812e-06 * Z1;
+    const double Xn = X + 593.0297 + 4.0812e-06 * X1 + 9.0677e-06 * Y1 + 1.7004e-06 * Z1;
+    const double Yn = Y + 26.0038 - 9.0677e-06 * X1 + 4.0812e-06 * Y1 + 1.9725e-06 * Z1;
+    const double Zn = Z + 478.7534 - 1.7004e-06 * X1 - 1.9725e-06 * Y1 + 4.0812e-06 * Z1;
     X = Xn;
     Y = Yn;
     Z = Zn;
@@ -174,14 +168,12 @@ void ApplySim(const SSimParams &s, double &X, double &Y, double &Z) {
                                           s.delta, s.x0, s.y0, s.z0, X, Y, Z);
 }
 
-constexpr SSimParams s_Sim2008ToBessel{
-    -593.02480000000003,    -25.9984,    -478.74590000000001,     -1.9342e-06,
-    1.6676999999999999e-06, -9.1019e-06, -4.0725000000000004e-06, 3904046.173,
-    368161.31180000002,     5013449.051};
+constexpr SSimParams s_Sim2008ToBessel{-593.0248,          -25.9984,    -478.7459,   -1.9342e-06,
+                                       1.6677e-06,         -9.1019e-06, -4.0725e-06, 3904046.173,
+                                       368161.31180000002, 5013449.051};
 constexpr SSimParams s_Sim2008ToEtrs{
-    593.02480000000003,      25.9984,           478.74590000000001,     1.9342e-06,
-    -1.6676999999999999e-06, 9.1019e-06,        4.0725000000000004e-06, 3903453.1482000002,
-    368135.31339999998,      5012970.3051000005};
+    593.0248,   25.9984,    478.7459,           1.9342e-06,         -1.6677e-06,
+    9.1019e-06, 4.0725e-06, 3903453.1482000002, 368135.31339999998, 5012970.3051000005};
 
 void Shift2008ToBessel(double &X, double &Y, double &Z) {
     ApplySim(s_Sim2008ToBessel, X, Y, Z);
@@ -200,9 +192,9 @@ void ShiftToBD72(double &X, double &Y, double &Z) {
     const SSimParams s{106.868628,
                        -52.297783,
                        103.723893,
-                       Deg(9.3491666666666658e-05),
+                       Deg(9.349166666666666e-05),
                        Deg(-0.00012693194444444444),
-                       Deg(0.00051171749999999992),
+                       Deg(0.0005117174999999999),
                        1.2746999999979636e-06,
                        0.0,
                        0.0,
@@ -212,11 +204,11 @@ void ShiftToBD72(double &X, double &Y, double &Z) {
 
 void ShiftFromBD72(double &X, double &Y, double &Z) {
     const SSimParams s{-106.8687,
-                       52.296900000000001,
+                       52.2969,
                        -103.7239,
-                       Deg(-9.3491666666666658e-05),
+                       Deg(-9.349166666666666e-05),
                        Deg(0.00012693194444444444),
-                       Deg(-0.00051171749999999992),
+                       Deg(-0.0005117174999999999),
                        -1.2746999999979636e-06,
                        0.0,
                        0.0,

@@ -17,7 +17,7 @@ namespace {
 
 constexpr double dTwoPi = 6.283185307179586;
 // The latitude step of the meridian convergence.
-constexpr double dConvergenceStep = 9.9999999999999995e-07;
+constexpr double dConvergenceStep = 1e-06;
 // Width of the key column of the report.
 constexpr int nKeyWidth = 20;
 

@@ -8,10 +8,10 @@
 // 1 m step through the geocentric chord, and by Bowring's short-line inverse formula).
 #pragma once
 
-#include "platform/VXString.h"
 #include "geodesy/Ellipsoid.h"
 #include "persist/RuntimeCreator.h"
 #include "persist/SerObject.h"
+#include "platform/VXString.h"
 
 #include <cstdint>
 

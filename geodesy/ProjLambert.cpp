@@ -35,11 +35,11 @@ double IterateLatitude(double p, STEP step) {
 
 // The constants of the old closed form of Lambert 72.
 constexpr double dL72Radius = 11565915.812935;
-constexpr double dL72Cone = 0.77164219280000002;
+constexpr double dL72Cone = 0.7716421928;
 constexpr double dL72InvCone = 1.2959374297190454;
-constexpr double dL72Theta0 = 0.00014204300000000001;
+constexpr double dL72Theta0 = 0.000142043;
 constexpr double dL72DeltaX = 0.01256;
-constexpr double dL72DeltaY = 88.437799999999996;
+constexpr double dL72DeltaY = 88.4378;
 
 } // namespace
 
@@ -157,7 +157,7 @@ CProjection_LAMBERT72::CProjection_LAMBERT72() : CProjection_LAMBERT72(PT_LAMBER
 // constants of the old closed form (CProjection_LAMBERT72Old) into the general cone.
 CProjection_LAMBERT72::CProjection_LAMBERT72(ProjectionType type)
     : CProjection_LB_LAMBERT2(type, new CEllipsoid(CEllipsoid::INTERNATIONAL),
-                              {DegToRad(4.3674866666666663), DegToRad(90.0), DegToRad(49.8333339),
+                              {DegToRad(4.367486666666666), DegToRad(90.0), DegToRad(49.8333339),
                                DegToRad(51.166667233333335), u, 150000.01300000001,
                                5400088.4380000001}) {}
 
@@ -167,9 +167,9 @@ COutputSystem *CProjection_LAMBERT72::pCopy() const {
 
 CProjection_LAMBERT2008::CProjection_LAMBERT2008()
     : CProjection_LB_LAMBERT2(PT_LAMBERT2008, new CEllipsoid(CEllipsoid::GRS_1980),
-                              {DegToRad(4.3592158333333328), DegToRad(50.797815),
-                               DegToRad(49.833333333333336), DegToRad(51.166666666666664), u,
-                               649328.0, 665262.0}) {
+                              {DegToRad(4.359215833333333), DegToRad(50.797815),
+                               DegToRad(49.0 + 50.0 / 60), DegToRad(51.0 + 10.0 / 60), u, 649328.0,
+                               665262.0}) {
     m_szTransformationName = u"ETRS89 - Lambert 2008+TAW";
 }
 
@@ -179,9 +179,8 @@ COutputSystem *CProjection_LAMBERT2008::pCopy() const {
 
 CProjection_LAMBERT72Old::CProjection_LAMBERT72Old()
     : COutputSystem(PT_LAMBERT72, new CEllipsoid(CEllipsoid::INTERNATIONAL),
-                    {DegToRad(4.3569397219999999), DegToRad(50.799362221999999),
-                     DegToRad(49.833333332999999), DegToRad(51.166666667000001), u, 150000.0,
-                     5400000.0},
+                    {DegToRad(4.356939722), DegToRad(50.799362222), DegToRad(49.833333333),
+                     DegToRad(51.166666667), u, 150000.0, 5400000.0},
                     "00000000") {}
 
 COutputSystem *CProjection_LAMBERT72Old::pCopy() const {

@@ -9,7 +9,7 @@
 namespace vx {
 
 // Every latitude iteration of the projections stops when the change is at most this ...
-inline constexpr double dLatIterTol = 9.9999999999999998e-13;
+inline constexpr double dLatIterTol = 1e-12;
 // ... or after this many rounds, silently.
 inline constexpr int nLatIterRounds = 10;
 

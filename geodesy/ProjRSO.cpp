@@ -13,11 +13,11 @@ namespace {
 constexpr double u = dUnusedParameter;
 
 // Below this magnitude a cosine or denominator counts as zero ...
-constexpr double dRSOZero = 1.0000000000000001e-30;
+constexpr double dRSOZero = 1e-30;
 // ... and the arctangent's argument becomes this limit, so the pole of the line raises no fault.
 constexpr double dRSOLimit = 1e+30;
 // dIsoToGeoLat starts at four degrees and stops when the step is below this ...
-constexpr double dIsoTol = 1.0000000000000001e-15;
+constexpr double dIsoTol = 1e-15;
 // ... or, far from the tropics where the plain step no longer contracts, after this many steps,
 // so that a point off the projection's area ends instead of hanging.
 constexpr int nIsoMaxRounds = 100;
@@ -118,18 +118,17 @@ CProjection_BRSO::CProjection_BRSO() : CProjection_BRSO(2000000.0, 5000000.0) {}
 
 CProjection_BRSO::CProjection_BRSO(double east, double north)
     : CProjection_RSO(PT_BRSO, new CEllipsoid(CEllipsoid::TIMBALAI_EVEREST),
-                      {DegToRad(115.0), DegToRad(4.0), u, u, 0.99983999999999995, east, north},
-                      "00000110", dPi * 53.130102221999998 / 180.0) {}
+                      {DegToRad(115.0), DegToRad(4.0), u, u, 0.99984, east, north}, "00000110",
+                      dPi * 53.130102222 / 180.0) {}
 
 COutputSystem *CProjection_BRSO::pCopy() const {
     return new CProjection_BRSO(m_dFalseEasting, m_dFalseNorthing);
 }
 
 CProjection_MRSO::CProjection_MRSO()
-    : CProjection_RSO(
-          PT_MRSO, new CEllipsoid(CEllipsoid::MODIFIED_EVEREST),
-          {DegToRad(102.25), DegToRad(4.0), u, u, 0.99983999999999995, 804671.29980000004, 0.0},
-          "00000000", dPi * -36.869897645999998 / 180.0) {}
+    : CProjection_RSO(PT_MRSO, new CEllipsoid(CEllipsoid::MODIFIED_EVEREST),
+                      {DegToRad(102.25), DegToRad(4.0), u, u, 0.99984, 804671.29980000004, 0.0},
+                      "00000000", dPi * -36.869897646 / 180.0) {}
 
 COutputSystem *CProjection_MRSO::pCopy() const {
     return new CProjection_MRSO();

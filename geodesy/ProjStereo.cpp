@@ -28,8 +28,8 @@ SSphere WithTrig(SSphere s) {
 
 // The sphere of the Dutch national grid, fixed to the digits of its definition.
 const SSphere &RDSphere() {
-    static const SSphere s = WithTrig({1.0004758566800001, DegToRad(52.121097249000002),
-                                       6382644.5710000005, 0.0037739538320000002});
+    static const SSphere s =
+        WithTrig({1.00047585668, DegToRad(52.121097249), 6382644.5710000005, 0.003773953832});
     return s;
 }
 
@@ -142,10 +142,10 @@ void CProjection_STEREOGRAPHIC::ProjectionToEll(CEllCoord &ell, CVXCoord xy) {
 CProjection_RD::CProjection_RD() : CProjection_RD(PT_RD) {}
 
 CProjection_RD::CProjection_RD(ProjectionType type)
-    : COutputSystem(type, new CEllipsoid(CEllipsoid::BESSEL_1841),
-                    {DegToRad(5.3876388889999998), DegToRad(52.156160556000003), u, u,
-                     0.99990789999999996, 155000.0, 463000.0},
-                    "00000000") {}
+    : COutputSystem(
+          type, new CEllipsoid(CEllipsoid::BESSEL_1841),
+          {DegToRad(5.387638889), DegToRad(52.156160556), u, u, 0.9999079, 155000.0, 463000.0},
+          "00000000") {}
 
 COutputSystem *CProjection_RD::pCopy() const {
     return new CProjection_RD();

@@ -14,10 +14,10 @@ constexpr double u = dUnusedParameter;
 
 // The fixed constants of the Swiss projection sphere. The squared eccentricity is used instead
 // of the ellipsoid's, so the results keep the digits of the published definition.
-constexpr double dE2 = 0.0066743722306139997;
+constexpr double dE2 = 0.006674372230614;
 constexpr double dAlpha = 1.00072913843038;
-constexpr double dHalfAlpha = 0.50036456921519001;
-constexpr double dInvAlpha = 0.99927139282511179;
+constexpr double dHalfAlpha = 0.50036456921519;
+constexpr double dInvAlpha = 0.9992713928251118;
 constexpr double dK = 0.0030667323772751;
 constexpr double dR = 6378815.9036499998;
 constexpr double dHalfR = 3189407.9518249999;
@@ -31,10 +31,10 @@ double Eccentricity() {
 CProjection_SWISS::CProjection_SWISS() : CProjection_SWISS(2600000.0, 1200000.0) {}
 
 CProjection_SWISS::CProjection_SWISS(double east, double north)
-    : COutputSystem(
-          PT_SWISS, new CEllipsoid(CEllipsoid::BESSEL_1841),
-          {DegToRad(7.4395833333333332), DegToRad(46.952405555555558), u, u, 1.0, east, north},
-          "00000110") {}
+    : COutputSystem(PT_SWISS, new CEllipsoid(CEllipsoid::BESSEL_1841),
+                    {DegToRad(7.0 + 26.0 / 60 + 22.5 / 3600), DegToRad(46.95240555555556), u, u,
+                     1.0, east, north},
+                    "00000110") {}
 
 COutputSystem *CProjection_SWISS::pCopy() const {
     return new CProjection_SWISS(m_dFalseEasting, m_dFalseNorthing);

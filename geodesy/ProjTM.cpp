@@ -34,8 +34,8 @@ STMConst TMConst(double a, double e) {
     k.A1 = ((((11025.0 - E * 10828.125) * 0.015625 * E - 175.0) * 0.25 * E + 45.0) * 0.0625 * E -
             3.0) *
            0.25 * E * c;
-    k.A2 = (((3675.0 - E * 4331.25) * 0.00390625 * E - 14.583333333333334) * E + 15.0) * 0.03125 *
-           E * E * c;
+    k.A2 =
+        (((3675.0 - E * 4331.25) * 0.00390625 * E - (175.0 / 12)) * E + 15.0) * 0.03125 * E * E * c;
     k.A3 = (E * 735.0 - 746.5) * c * 0.00048828125 * E * E * E;
     k.A4 = c * (315.0 - E * 866.25) * 0.0009765625 * E4;
     k.B1 =
@@ -95,17 +95,15 @@ void CProjection_TM::EllToProjection(CVXCoord &xy, CEllCoord ell) {
     const double L2 = L * L;
     const double x =
         N * L *
-            (1.0 +
-             L2 *
-                 ((1.0 - t2 + h) * 0.16666666666666666 +
-                  L2 * ((5.0 - 18.0 * t2 + t4 + (14.0 - 58.0 * t2) * h) * 0.0083333333333333332 +
-                        (61.0 - 479.0 * t2 + 179.0 * t4 - t4 * t2) * 0.0001984126984126984 * L2))) +
+            (1.0 + L2 * ((1.0 - t2 + h) * (1.0 / 6) +
+                         L2 * ((5.0 - 18.0 * t2 + t4 + (14.0 - 58.0 * t2) * h) * (1.0 / 120) +
+                               (61.0 - 479.0 * t2 + 179.0 * t4 - t4 * t2) * (1.0 / 5040) * L2))) +
         m_dFalseEasting;
-    const double y = k * Arc(c, phi) - fx.kArc0 + m_dFalseNorthing +
-                     N * 0.5 * t * L2 *
-                         (1.0 + L2 * (((4.0 * h + 9.0) * h + 5.0 - t2) * 0.083333333333333329 +
-                                      ((270.0 - 330.0 * t2) * h + 61.0 - 58.0 * t2 + t4) *
-                                          0.0027777777777777779 * L2));
+    const double y =
+        k * Arc(c, phi) - fx.kArc0 + m_dFalseNorthing +
+        N * 0.5 * t * L2 *
+            (1.0 + L2 * (((4.0 * h + 9.0) * h + 5.0 - t2) * (1.0 / 12) +
+                         ((270.0 - 330.0 * t2) * h + 61.0 - 58.0 * t2 + t4) * (1.0 / 360) * L2));
     SetProjected(xy, x, y, ell.dGetHgt());
 }
 
@@ -125,18 +123,17 @@ void CProjection_TM::ProjectionToEll(CEllCoord &ell, CVXCoord xy) {
     const double Q2 = Q * Q;
     const double lat =
         f - 0.5 * t * (h + 1.0) * Q2 *
-                (1.0 + Q2 * (-(5.0 + 3.0 * t2 + (1.0 - 9.0 * t2) * h - 4.0 * h * h) *
-                                 0.083333333333333329 +
+                (1.0 + Q2 * (-(5.0 + 3.0 * t2 + (1.0 - 9.0 * t2) * h - 4.0 * h * h) * (1.0 / 12) +
                              (61.0 + 90.0 * t2 + 45.0 * t4 + (46.0 - 252.0 * t2 - 90.0 * t4) * h) *
-                                 0.0027777777777777779 * Q2));
-    const double lon = m_dLonOriginCM +
-                       Q *
-                           (1.0 + Q2 * (-(1.0 + 2.0 * t2 + h) * 0.16666666666666666 +
-                                        Q2 * ((5.0 + 28.0 * t2 + 24.0 * t4 + (6.0 + 8.0 * t2) * h) *
-                                                  0.0083333333333333332 -
-                                              (61.0 + 662.0 * t2 + 1320.0 * t4 + 720.0 * t4 * t2) *
-                                                  0.0001984126984126984 * Q2))) /
-                           std::cos(f);
+                                 (1.0 / 360) * Q2));
+    const double lon =
+        m_dLonOriginCM +
+        Q *
+            (1.0 + Q2 * (-(1.0 + 2.0 * t2 + h) * (1.0 / 6) +
+                         Q2 * ((5.0 + 28.0 * t2 + 24.0 * t4 + (6.0 + 8.0 * t2) * h) * (1.0 / 120) -
+                               (61.0 + 662.0 * t2 + 1320.0 * t4 + 720.0 * t4 * t2) * (1.0 / 5040) *
+                                   Q2))) /
+            std::cos(f);
     ell.SetLatLon(lat, dLonOut(lon, true));
     ell.SetHgt(xy.dGetZ());
 }
@@ -170,8 +167,8 @@ CProjection_TM_NORTH::CProjection_TM_NORTH()
     : CProjection_TM_NORTH(0.0, CEllipsoid(CEllipsoid::INTERNATIONAL)) {}
 
 CProjection_TM_NORTH::CProjection_TM_NORTH(double lon, const CEllipsoid &ellipsoid)
-    : CProjection_TM(PT_UTM_NORTH, ellipsoid.Copy(),
-                     {lon, 0.0, u, u, 0.99960000000000004, 500000.0, 0.0}, "10000001") {}
+    : CProjection_TM(PT_UTM_NORTH, ellipsoid.Copy(), {lon, 0.0, u, u, 0.9996, 500000.0, 0.0},
+                     "10000001") {}
 
 COutputSystem *CProjection_TM_NORTH::pCopy() const {
     return new CProjection_TM_NORTH(m_dLonOriginCM, *m_pEllipsoid);
@@ -181,8 +178,8 @@ CProjection_TM_SOUTH::CProjection_TM_SOUTH()
     : CProjection_TM_SOUTH(0.0, CEllipsoid(CEllipsoid::INTERNATIONAL)) {}
 
 CProjection_TM_SOUTH::CProjection_TM_SOUTH(double lon, const CEllipsoid &ellipsoid)
-    : CProjection_TM(PT_UTM_SOUTH, ellipsoid.Copy(),
-                     {lon, 0.0, u, u, 0.99960000000000004, 500000.0, 10000000.0}, "10000001") {}
+    : CProjection_TM(PT_UTM_SOUTH, ellipsoid.Copy(), {lon, 0.0, u, u, 0.9996, 500000.0, 10000000.0},
+                     "10000001") {}
 
 COutputSystem *CProjection_TM_SOUTH::pCopy() const {
     return new CProjection_TM_SOUTH(m_dLonOriginCM, *m_pEllipsoid);
