@@ -3,13 +3,15 @@
 // library and CParseString, a restartable tokeniser for lines of text files.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "platform/FormatArgs.h"
 #include "platform/VXString.h"
 #include "platform/VXTypes.h"
 
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 class CVXODateTime;
 
@@ -129,4 +131,4 @@ private:
     bool m_bKeepEmpty = false;
 };
 
-} // namespace vx
+} // namespace VX_API

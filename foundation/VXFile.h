@@ -6,13 +6,15 @@
 // system (bExists, GetFiles, CreateTempNaam...) take Linux paths with '/'.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "platform/File.h"
 #include "platform/VXString.h"
 
 #include <cstdint>
 #include <vector>
 
-namespace vx {
+namespace vx VX_API {
 
 class CVXStringList;
 
@@ -128,4 +130,4 @@ void SetPathFromDisk(CVXString &path, const CVXString &drive);
 // True when the file does not exist, or when the user agrees (Retry) to overwrite it.
 bool bAskIfExists(const CVXString &path);
 
-} // namespace vx
+} // namespace VX_API

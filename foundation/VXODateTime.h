@@ -11,12 +11,14 @@
 // reads it again (after the TZ variable changed, or to take the offset of a given moment).
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "platform/VXString.h"
 #include "platform/VXTypes.h"
 
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 class CArchiveB;
 
@@ -172,4 +174,4 @@ private:
     bool SetLocal(int nYear, int nMonth, int nDay, int nHour, int nMin, int nSec);
 };
 
-} // namespace vx
+} // namespace VX_API

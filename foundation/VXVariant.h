@@ -4,11 +4,13 @@
 // DISP_E_OVERFLOW for a number out of the target's range).
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "platform/VXString.h"
 
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 enum DataTypeEnum : int {
     adEmpty = 0,
@@ -91,4 +93,4 @@ private:
     CVXString m_s;
 };
 
-} // namespace vx
+} // namespace VX_API

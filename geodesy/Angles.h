@@ -7,9 +7,11 @@
 // text (clockwise, directions from north) and back.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "platform/VXString.h"
 
-namespace vx {
+namespace vx VX_API {
 
 inline constexpr double dPi = 3.141592653589793;
 
@@ -48,4 +50,4 @@ CVXString StrCorToGrad(double a);
 
 } // namespace Hoekfuncties
 
-} // namespace vx
+} // namespace VX_API

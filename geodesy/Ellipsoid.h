@@ -8,10 +8,12 @@
 // out of XYZToEll lie in [0, 2*pi).
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "platform/Object.h"
 #include "platform/VXString.h"
 
-namespace vx {
+namespace vx VX_API {
 
 class CArchiveB;
 class CArchiveX;
@@ -161,4 +163,4 @@ void Levallois(double X, double Y, double Z, double *lat, double *lon, double *h
 void EllToXYZ(double lat, double lon, double h, double *X, double *Y, double *Z, double a,
               double e);
 
-} // namespace vx
+} // namespace VX_API

@@ -7,11 +7,13 @@
 // bilinearly.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "platform/VXString.h"
 
 #include <vector>
 
-namespace vx {
+namespace vx VX_API {
 
 // The answer for "no geoid height here".
 inline constexpr double dNoGeoidHeight = 999.999;
@@ -53,4 +55,4 @@ private:
     std::vector<float> m_Values;
 };
 
-} // namespace vx
+} // namespace VX_API

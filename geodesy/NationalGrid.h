@@ -13,11 +13,13 @@
 // file leaves the object working without corrections; the user is told once, at the first use.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "geodesy/ProjLambert.h"
 #include "geodesy/ProjStereo.h"
 #include "platform/File.h"
 
-namespace vx {
+namespace vx VX_API {
 
 class CProjection_RDNAPTRANS2004 : public CProjection_RD {
     VX_DECLARE_SERIAL(CProjection_RDNAPTRANS2004)
@@ -134,4 +136,4 @@ private:
     SGridHeader m_HeaderY;
 };
 
-} // namespace vx
+} // namespace VX_API

@@ -8,6 +8,8 @@
 // 1 m step through the geocentric chord, and by Bowring's short-line inverse formula).
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "geodesy/Ellipsoid.h"
 #include "persist/RuntimeCreator.h"
 #include "persist/SerObject.h"
@@ -15,7 +17,7 @@
 
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 class CVXCoord;
 
@@ -207,4 +209,4 @@ COutputSystem *pGetNewProjection(const CVXString &keyword, double lon, double la
                                  double par2, double scale, double east, double north,
                                  const CVXString &ellipsoidKeyword, double a, double invFlatt);
 
-} // namespace vx
+} // namespace VX_API

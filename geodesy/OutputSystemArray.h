@@ -3,12 +3,14 @@
 // does not delete its elements by itself: the owner calls DeleteAll.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "geodesy/OutputSystem.h"
 #include "persist/SerCollections.h"
 
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 class COutputSystemPtrArray : public CTypedPtrArray<CSerObArray, COutputSystem *> {
 public:
@@ -29,4 +31,4 @@ protected:
     virtual COutputSystem *pMakeNewProjection(int32_t i);
 };
 
-} // namespace vx
+} // namespace VX_API

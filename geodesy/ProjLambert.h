@@ -8,9 +8,11 @@
 // 1e-12 rad).
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "geodesy/OutputSystem.h"
 
-namespace vx {
+namespace vx VX_API {
 
 class CProjection_LB : public COutputSystem {
 public:
@@ -93,4 +95,4 @@ public:
     void ProjectionToEll(CEllCoord &ell, CVXCoord xy) override;
 };
 
-} // namespace vx
+} // namespace VX_API

@@ -1,6 +1,8 @@
 // Small shared pieces of the projection formulas. Internal to the library.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include <array>
 #include <bit>
 #include <cstdint>
@@ -21,7 +23,8 @@ double dIso(double p, double e);
 
 // Makes CachedPerThread compute afresh at every call on this thread, as if nothing were kept.
 // For tests that hold the kept constants to a fresh computation through the same code.
-void SetProjectionCacheBypass(bool bBypass);
+// Exported although internal: the tests reach it.
+VX_API void SetProjectionCacheBypass(bool bBypass);
 bool bProjectionCacheBypassed();
 
 // The constants a projection derives from its parameters, computed by `compute` and kept per

@@ -2,9 +2,11 @@
 // radians) in the coordinate's x and y, the height in its z.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "geodesy/OutputSystem.h"
 
-namespace vx {
+namespace vx VX_API {
 
 class CProjection_NONE : public COutputSystem {
     VX_DECLARE_SERIAL(CProjection_NONE)
@@ -17,4 +19,4 @@ public:
     void ProjectionToEll(CEllCoord &ell, CVXCoord xy) override;
 };
 
-} // namespace vx
+} // namespace VX_API

@@ -9,9 +9,11 @@
 // comes from the isometric latitude by fixed-point steps to 1e-15.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "geodesy/OutputSystem.h"
 
-namespace vx {
+namespace vx VX_API {
 
 class CProjection_RSO : public COutputSystem {
 public:
@@ -46,4 +48,4 @@ public:
     COutputSystem *pCopy() const override;
 };
 
-} // namespace vx
+} // namespace VX_API

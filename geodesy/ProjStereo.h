@@ -6,9 +6,11 @@
 // inverse latitude comes from a fixed-point iteration (at most 10 rounds, to 1e-12 rad).
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "geodesy/OutputSystem.h"
 
-namespace vx {
+namespace vx VX_API {
 
 class CProjection_STEREOGRAPHIC : public COutputSystem {
     VX_DECLARE_SERIAL(CProjection_STEREOGRAPHIC)
@@ -41,4 +43,4 @@ protected:
     explicit CProjection_RD(ProjectionType type);
 };
 
-} // namespace vx
+} // namespace VX_API

@@ -3,9 +3,11 @@
 // closed; the inverse latitude is a fixed-point iteration (at most 10 rounds, to 1e-12 rad).
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "geodesy/OutputSystem.h"
 
-namespace vx {
+namespace vx VX_API {
 
 class CProjection_SWISS : public COutputSystem {
     VX_DECLARE_SERIAL(CProjection_SWISS)
@@ -18,4 +20,4 @@ public:
     void ProjectionToEll(CEllCoord &ell, CVXCoord xy) override;
 };
 
-} // namespace vx
+} // namespace VX_API

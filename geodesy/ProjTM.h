@@ -7,9 +7,11 @@
 // agree with the exact transverse Mercator to well below a millimetre.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "geodesy/OutputSystem.h"
 
-namespace vx {
+namespace vx VX_API {
 
 class CProjection_TM : public COutputSystem {
 public:
@@ -53,4 +55,4 @@ public:
     COutputSystem *pCopy() const override;
 };
 
-} // namespace vx
+} // namespace VX_API

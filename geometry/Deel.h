@@ -5,9 +5,11 @@
 // No floating-point exception can be raised. Callers treat NaN as "no solution".
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "platform/VXTypes.h"
 
-namespace vx {
+namespace vx VX_API {
 
 double dDeel(double a, double b);
 LongDouble dDeel(LongDouble a, LongDouble b);
@@ -17,4 +19,4 @@ LongDouble dDeel(LongDouble a, LongDouble b);
 // a negative v.
 unsigned short nCijfers(double v);
 
-} // namespace vx
+} // namespace VX_API

@@ -8,12 +8,14 @@
 // end angles fall in, with no trigonometry beyond those two angles.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "persist/RuntimeCreator.h"
 #include "persist/SerCollections.h"
 #include "persist/SerObject.h"
 #include "platform/VXTypes.h"
 
-namespace vx {
+namespace vx VX_API {
 
 class CVXCoord;
 class CVXCoordArr;
@@ -137,4 +139,4 @@ public:
     bool OnSameGrid(const CVXCoord &pt, bool bX, double dN) const;
 };
 
-} // namespace vx
+} // namespace VX_API

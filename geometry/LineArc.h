@@ -7,10 +7,12 @@
 // geometry/Tolerances.h; deciding whether a solution lies within a stretch is a separate step.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "geometry/VXCoord.h"
 #include "platform/Object.h"
 
-namespace vx {
+namespace vx VX_API {
 
 // Two points by value with a table of two pointers at them, to pass a local line.
 class CSimpleLine {
@@ -58,4 +60,4 @@ public:
     bool m_bGeldig = false; // when false, the angles and the opening are NaN
 };
 
-} // namespace vx
+} // namespace VX_API

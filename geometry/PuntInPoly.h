@@ -4,11 +4,13 @@
 // test is strict against dPuntTol. The members themselves are declared in CVXCoordArr.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "geometry/VXCoordArr.h"
 
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 // The answer of every containment question: three independent flags in the low three bits of
 // one byte. A single point sets exactly one of them or none; LijnInPolygoon accumulates several.
@@ -32,4 +34,4 @@ enum KlokRichting : int32_t {
     KlokOnbepaald = 2 // no direction can be given
 };
 
-} // namespace vx
+} // namespace VX_API

@@ -3,7 +3,9 @@
 // same numbers, so that results agree between routines.
 #pragma once
 
-namespace vx {
+#include "platform/VXExport.h"
+
+namespace vx VX_API {
 
 // Two points closer than this are the same point; also the snap distance of a point on the end
 // of a line or arc, and the chord tolerance of the area measure. Always strict: a distance of
@@ -45,4 +47,4 @@ inline constexpr int nMinBoogDelen = 5;
 // CreeerCentroide refines its grid by halving while the grid size stays below this.
 inline constexpr int nCentroideMaxRaster = 10000;
 
-} // namespace vx
+} // namespace VX_API

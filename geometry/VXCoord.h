@@ -11,14 +11,16 @@
 // result points handed back through `CVXCoord **` are heap objects that the caller deletes.
 #pragma once
 
-#include "platform/VXString.h"
+#include "platform/VXExport.h"
+
 #include "persist/RuntimeCreator.h"
 #include "persist/SerObject.h"
+#include "platform/VXString.h"
 #include "platform/VXTypes.h"
 
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 class CVXCoordArr;
 
@@ -241,4 +243,4 @@ public:
     double dKwadraat() const;
 };
 
-} // namespace vx
+} // namespace VX_API

@@ -11,12 +11,14 @@
 // virtual New; what replaces or removes a point deletes the old one.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "geometry/VXCoord.h"
 #include "persist/SerCollections.h"
 
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 class CExtents;
 struct PuntInPolyRes;
@@ -192,4 +194,4 @@ public:
     void Copy(const CVXCoordArrArr &other);
 };
 
-} // namespace vx
+} // namespace VX_API

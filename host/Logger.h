@@ -10,9 +10,12 @@
 // messages of the no-host user prompt into the log.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "platform/VXString.h"
 
-namespace vx::NLogger {
+namespace vx VX_API {
+namespace NLogger {
 
 enum Severity : int { Critical = 0, Error = 1, Warning = 2, Info = 3 };
 
@@ -62,4 +65,5 @@ void FormatMessageNoNL(const CVXString &source, Severity severity, const char16_
 // The word a severity writes: "Critical", "Error", "Warning", "Info".
 const char16_t *SeverityWord(Severity severity);
 
-} // namespace vx::NLogger
+} // namespace NLogger
+} // namespace VX_API

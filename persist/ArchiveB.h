@@ -17,8 +17,10 @@
 // left before anything is sized by them, and objects nest at most kMaxDepth deep.
 #pragma once
 
-#include "platform/VXString.h"
+#include "platform/VXExport.h"
+
 #include "platform/File.h"
+#include "platform/VXString.h"
 
 #include <cstdint>
 #include <cstring>
@@ -28,7 +30,7 @@
 #include <unordered_map>
 #include <vector>
 
-namespace vx {
+namespace vx VX_API {
 
 class ISerObject;
 class CRuntimeCreator;
@@ -204,4 +206,4 @@ private:
     int m_nDepth = 0;
 };
 
-} // namespace vx
+} // namespace VX_API

@@ -7,15 +7,17 @@
 // mark and white space an XML document starts with '<'; anything else is read as binary.
 #pragma once
 
-#include "platform/VXString.h"
+#include "platform/VXExport.h"
+
 #include "persist/SerObject.h"
+#include "platform/VXString.h"
 
 #include <cstddef>
 #include <memory>
 #include <stdexcept>
 #include <string>
 
-namespace vx {
+namespace vx VX_API {
 
 enum class ArchiveFormat { binary, xml };
 
@@ -43,4 +45,4 @@ CVXString ArchiveRootXML(const ISerObject &root);
 // with every field (for a binary file, the tree its root object gives in the XML archive).
 std::string DumpArchive(const CVXString &path);
 
-} // namespace vx
+} // namespace VX_API

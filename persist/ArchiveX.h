@@ -8,14 +8,16 @@
 // "VXXMLArchive" for an archive on a file and "VXA" for one in memory.
 #pragma once
 
-#include "platform/VXString.h"
+#include "platform/VXExport.h"
+
 #include "foundation/VXVariant.h"
 #include "persist/Dom.h"
+#include "platform/VXString.h"
 #include "platform/VXTypes.h"
 
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 class ISerObject;
 class CSerObject;
@@ -154,4 +156,4 @@ private:
 int VariantTypeFromName(const CVXString &name);
 const char16_t *VariantTypeName(int type);
 
-} // namespace vx
+} // namespace VX_API

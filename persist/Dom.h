@@ -3,12 +3,14 @@
 // pugixml under both names; a host may register others.
 #pragma once
 
-#include "platform/VXString.h"
+#include "platform/VXExport.h"
+
 #include "foundation/VXVariant.h"
+#include "platform/VXString.h"
 
 #include <utility>
 
-namespace vx {
+namespace vx VX_API {
 
 class IDomElement;
 
@@ -102,4 +104,4 @@ void RegisterDomImplementation(const CVXString &name, DomFactory factory);
 // A new document from the implementation of that name; CVXComError when there is none.
 CVXComWrap<IDomDocument> CreateDomDocument(const CVXString &name);
 
-} // namespace vx
+} // namespace VX_API

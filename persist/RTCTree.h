@@ -2,10 +2,12 @@
 // case-sensitive. The tree does not own the creators (they are statics of their classes).
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "persist/RuntimeCreator.h"
 #include "storage/PtrTree.h"
 
-namespace vx {
+namespace vx VX_API {
 
 class CRTCTree : public CPtrTree<CRuntimeCreator> {
 public:
@@ -20,4 +22,4 @@ public:
     }
 };
 
-} // namespace vx
+} // namespace VX_API

@@ -7,12 +7,14 @@
 // so renaming a class breaks old files.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "platform/VXString.h"
 
 #include <cstdint>
 #include <typeinfo>
 
-namespace vx {
+namespace vx VX_API {
 
 class ISerObject;
 class CArchiveB;
@@ -62,7 +64,7 @@ void SetRTCTree(CRTCTree *tree);
 // would otherwise be missing. The look-up calls it once by itself.
 void RegisterLibraryClasses();
 
-} // namespace vx
+} // namespace VX_API
 
 // In the class body of a serialisable class: the creator access and the virtual look-up.
 #define VX_DECLARE_SERIAL(ClassName)                                                               \

@@ -7,13 +7,15 @@
 // that owns the elements deletes them itself.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "persist/RuntimeCreator.h"
 #include "persist/SerObject.h"
 #include "platform/Lists.h"
 
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 class CSerObList : public CSerObject, public CBlockList<CSerObject *> {
     VX_DECLARE_SERIAL(CSerObList)
@@ -196,4 +198,4 @@ public:
     void Copy(const CTypedPtrArray &src) { BASE::Copy(src); }
 };
 
-} // namespace vx
+} // namespace VX_API

@@ -2,9 +2,11 @@
 // virtual operations an empty default.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "platform/Object.h"
 
-namespace vx {
+namespace vx VX_API {
 
 class CArchiveX;
 class CArchiveB;
@@ -39,4 +41,4 @@ public:
     using ISerObject::SerializeX;
 };
 
-} // namespace vx
+} // namespace VX_API

@@ -3,13 +3,15 @@
 // array beyond what it holds.
 #pragma once
 
-#include "platform/VXString.h"
+#include "platform/VXExport.h"
+
 #include "persist/ArchiveB.h"
 #include "persist/ArchiveX.h"
+#include "platform/VXString.h"
 
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 class CArchiveX;
 class CArchiveB;
@@ -79,4 +81,4 @@ void AttributeRunX(Array &a, CArchiveX &ar, const char16_t *countName, const cha
 }
 
 } // namespace serial
-} // namespace vx
+} // namespace VX_API

@@ -4,14 +4,16 @@
 // New slots hold the empty (null) string; dropped elements are released.
 #pragma once
 
-#include "platform/VXString.h"
+#include "platform/VXExport.h"
+
 #include "persist/RuntimeCreator.h"
 #include "persist/SerObject.h"
 #include "platform/Lists.h"
+#include "platform/VXString.h"
 
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 class CVXStringArray : public CSerObject, public CGrowArray<CVXString> {
     VX_DECLARE_SERIAL(CVXStringArray)
@@ -34,4 +36,4 @@ public:
     using CSerObject::SerializeX;
 };
 
-} // namespace vx
+} // namespace VX_API

@@ -2,14 +2,16 @@
 // Positions stay valid while other elements come and go.
 #pragma once
 
-#include "platform/VXString.h"
+#include "platform/VXExport.h"
+
 #include "persist/RuntimeCreator.h"
 #include "persist/SerObject.h"
 #include "platform/Lists.h"
+#include "platform/VXString.h"
 
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 class CVXStringList : public CSerObject, public CBlockList<CVXString> {
     VX_DECLARE_SERIAL(CVXStringList)
@@ -36,4 +38,4 @@ public:
     using CSerObject::SerializeX;
 };
 
-} // namespace vx
+} // namespace VX_API

@@ -4,9 +4,11 @@
 // literal piece as a Write call of its own.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "platform/VXString.h"
 
-namespace vx {
+namespace vx VX_API {
 
 class CFile;
 
@@ -142,4 +144,4 @@ bool BoolFromBool(const CVXString &text);
 
 } // namespace NXMLUtil
 
-} // namespace vx
+} // namespace VX_API

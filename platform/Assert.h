@@ -3,7 +3,9 @@
 // never aborts.
 #pragma once
 
-namespace vx {
+#include "platform/VXExport.h"
+
+namespace vx VX_API {
 
 // Reports a failed assertion and returns.
 void AssertReport(const char *expression, const char *file, int line);
@@ -13,7 +15,7 @@ void AssertReport(const char *expression, const char *file, int line);
 using AssertSink = void (*)(const char *message);
 void SetAssertSink(AssertSink sink);
 
-} // namespace vx
+} // namespace VX_API
 
 // Checks an invariant; on failure reports it and continues.
 #define VX_ASSERT(expr)                                                                            \

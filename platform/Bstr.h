@@ -3,11 +3,13 @@
 // ordinary zero-terminated UTF-16 string while its length is known without scanning.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "platform/VXTypes.h"
 
 #include <cstddef>
 
-namespace vx {
+namespace vx VX_API {
 
 // Allocates a buffer of `len` units, copying them from `text` when it is not null. Raises
 // CVXComError(E_OUTOFMEMORY) when the memory cannot be had.
@@ -26,4 +28,4 @@ inline size_t StrLenU(const char16_t *s) noexcept {
     return static_cast<size_t>(p - s);
 }
 
-} // namespace vx
+} // namespace VX_API

@@ -3,9 +3,11 @@
 // with iconv when the setting changes; others go through iconv for each conversion.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include <string>
 
-namespace vx {
+namespace vx VX_API {
 
 // Sets the code page by its iconv name ("WINDOWS-1252", "ISO-8859-15", "UTF-8", "GBK").
 // An unknown name raises CInvalidArgException and keeps the old setting.
@@ -23,4 +25,4 @@ char WideCharToCodePage(char16_t ch);
 std::u16string Utf8ToWide(const char *text, size_t len);
 std::string WideToUtf8(const char16_t *text, size_t len);
 
-} // namespace vx
+} // namespace VX_API

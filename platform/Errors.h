@@ -2,13 +2,15 @@
 // invalid-argument failure that stands for an index or argument the caller got wrong.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "platform/VXString.h"
 #include "platform/VXTypes.h"
 
 #include <stdexcept>
 #include <string>
 
-namespace vx {
+namespace vx VX_API {
 
 // A failure of a COM-facing operation: an HRESULT, a description, the source component, and
 // the source file and line where it was raised.
@@ -42,4 +44,4 @@ public:
     explicit CInvalidArgException(const std::string &what) : std::invalid_argument(what) {}
 };
 
-} // namespace vx
+} // namespace VX_API

@@ -8,13 +8,15 @@
 // with sharingViolation. Programs that do not use CFile are not held back by these locks.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "platform/VXString.h"
 
 #include <cstdint>
 #include <exception>
 #include <string>
 
-namespace vx {
+namespace vx VX_API {
 
 class CFileException : public std::exception {
 public:
@@ -225,4 +227,4 @@ private:
     bool m_bAutoDelete = true;
 };
 
-} // namespace vx
+} // namespace VX_API

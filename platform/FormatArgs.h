@@ -5,11 +5,13 @@
 // too few or too many arguments) raises CInvalidArgException instead of reading garbage.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
 
-namespace vx {
+namespace vx VX_API {
 
 class CVXString;
 
@@ -94,4 +96,4 @@ int nEstimateMaxLen(const char *format, const Args &...args) {
     return nEstimateMaxLen(format, CFormatArgs{list, sizeof...(Args)});
 }
 
-} // namespace vx
+} // namespace VX_API

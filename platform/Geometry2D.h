@@ -1,10 +1,12 @@
 // The platform's small integer point and rectangle (window and raster coordinates).
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include <cstdint>
 #include <utility>
 
-namespace vx {
+namespace vx VX_API {
 
 struct CPoint {
     int32_t x = 0;
@@ -42,4 +44,4 @@ struct CRect {
     friend bool operator==(const CRect &, const CRect &) = default;
 };
 
-} // namespace vx
+} // namespace VX_API

@@ -2,10 +2,12 @@
 // "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}".
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "platform/VXString.h"
 #include "platform/VXTypes.h"
 
-namespace vx {
+namespace vx VX_API {
 
 // The result of CLSIDFromString for a text that is not an identifier in registry form.
 inline constexpr HRESULT CO_E_CLASSSTRING = static_cast<HRESULT>(0x800401F3u);
@@ -22,4 +24,4 @@ CVXString StringFromCLSID(const GUID &guid);
 // *pGuid unchanged.
 HRESULT CLSIDFromString(const char16_t *text, GUID *pGuid);
 
-} // namespace vx
+} // namespace VX_API

@@ -15,6 +15,8 @@
 // a failed allocation raises std::bad_alloc.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "platform/Object.h"
 #include "platform/VXTypes.h"
 
@@ -26,7 +28,7 @@
 #include <type_traits>
 #include <utility>
 
-namespace vx {
+namespace vx VX_API {
 
 namespace detail {
 // Raises CInvalidArgException with `what` (kept out of line so the templates stay small).
@@ -458,4 +460,4 @@ public:
     void Dump(CDumpContext &dc) const override;
 };
 
-} // namespace vx
+} // namespace VX_API

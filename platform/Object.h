@@ -1,11 +1,13 @@
 // The root object of the platform layer and its diagnostic text stream.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include <ostream>
 #include <string>
 #include <typeinfo>
 
-namespace vx {
+namespace vx VX_API {
 
 class CVXString;
 
@@ -42,4 +44,4 @@ public:
 // namespaces removed ("vx::CVXCoord" gives "CVXCoord").
 std::string BareClassName(const std::type_info &type);
 
-} // namespace vx
+} // namespace VX_API

@@ -3,7 +3,9 @@
 // from VXCOMMON_LANG when the table is first used, else 1033.
 #pragma once
 
-namespace vx {
+#include "platform/VXExport.h"
+
+namespace vx VX_API {
 
 class CVXString;
 
@@ -41,4 +43,4 @@ enum : unsigned int {
     IDS_FILE_EXISTS_OVERWRITE = 9001 // "File %1 already exists. Overwrite it?"
 };
 
-} // namespace vx
+} // namespace VX_API

@@ -2,7 +2,9 @@
 // messages go to the log, questions answer Cancel, and the user never asks to break off.
 #pragma once
 
-namespace vx {
+#include "platform/VXExport.h"
+
+namespace vx VX_API {
 
 class CVXString;
 
@@ -38,4 +40,4 @@ void SetPromptLogSink(PromptLogSink sink);
 void SetHostLogSink(PromptLogSink sink);
 void LogToHost(int level, const CVXString &text);
 
-} // namespace vx
+} // namespace VX_API

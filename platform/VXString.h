@@ -15,13 +15,15 @@
 // built view and nothing leaks. One CVXString object is still one thread's at a time.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "platform/FormatArgs.h"
 #include "platform/VXTypes.h"
 
 #include <atomic>
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 class VXVariant;
 
@@ -199,4 +201,4 @@ void AfxFormatStringText(CVXString &out, const char16_t *templ, const char16_t *
 // Upper bound of the printed length of a wide format, by the scan Format uses before printing.
 int nEstimateFormatLen(const char16_t *format, const CFormatArgs &args);
 
-} // namespace vx
+} // namespace VX_API

@@ -5,10 +5,12 @@
 // formats is `int32_t` and an `unsigned long` is `uint32_t`, in every archive and field.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include <bit>
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 // The one sentinel for a missing number: the negative quiet NaN 0xFFF8000000000000. It is never
 // compared; test it with std::isnan.
@@ -60,4 +62,4 @@ struct SYSTEMTIME {
     uint16_t wMilliseconds = 0;
 };
 
-} // namespace vx
+} // namespace VX_API

@@ -13,12 +13,14 @@
 // (deletions can make one) never exhausts the thread's stack.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <utility>
 #include <vector>
 
-namespace vx {
+namespace vx VX_API {
 
 template <class T>
 struct CObTreeNode {
@@ -691,4 +693,4 @@ public:
 extern template class CSimpleTree<uint16_t>;
 extern template class CSimpleTree<uint32_t>;
 
-} // namespace vx
+} // namespace VX_API

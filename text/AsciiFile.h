@@ -6,12 +6,14 @@
 // "\n" written becomes "\r\n".
 #pragma once
 
-#include "platform/VXString.h"
+#include "platform/VXExport.h"
+
 #include "platform/File.h"
+#include "platform/VXString.h"
 
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 class CAsciiFile : public CStdioFile {
 public:
@@ -77,4 +79,4 @@ public:
 // CAsciiMemFile::WriteString does (shared with the message list).
 void WriteUnitCount(CFile &file, const CVXString &text);
 
-} // namespace vx
+} // namespace VX_API

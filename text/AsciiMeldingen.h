@@ -4,14 +4,16 @@
 // source file; CAsciiProgress is a message list with a progress display.
 #pragma once
 
-#include "platform/VXString.h"
+#include "platform/VXExport.h"
+
 #include "platform/Object.h"
+#include "platform/VXString.h"
 #include "text/AsciiFile.h"
 #include "text/Progress.h"
 
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 class CAsciiMelding;
 
@@ -122,4 +124,4 @@ private:
     CKvtpProgress m_Progress;
 };
 
-} // namespace vx
+} // namespace VX_API

@@ -4,13 +4,15 @@
 // bar on a terminal stream.
 #pragma once
 
-#include "platform/VXString.h"
+#include "platform/VXExport.h"
+
 #include "platform/Object.h"
+#include "platform/VXString.h"
 
 #include <cstdint>
 #include <cstdio>
 
-namespace vx {
+namespace vx VX_API {
 
 // Where progress is shown. All calls come from the thread that drives the work.
 class IProgressSink {
@@ -109,4 +111,4 @@ private:
     bool m_bOpen = false;
 };
 
-} // namespace vx
+} // namespace VX_API

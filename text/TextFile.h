@@ -10,11 +10,13 @@
 // Copies share one stream. Close() closes it for all copies; the last copy to go closes it too.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "platform/VXString.h"
 
 #include <memory>
 
-namespace vx {
+namespace vx VX_API {
 
 class CTextFile {
 public:
@@ -59,4 +61,4 @@ private:
     std::shared_ptr<CStream> m_pStream;
 };
 
-} // namespace vx
+} // namespace VX_API

@@ -15,12 +15,14 @@
 // becomes INT32_MIN, the "indefinite" integer of the x86 conversion.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "platform/Geometry2D.h"
 #include "platform/VXTypes.h"
 
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 class CArchiveX;
 class CExtents;
@@ -111,4 +113,4 @@ protected:
     static int32_t nTrunc(double v);
 };
 
-} // namespace vx
+} // namespace VX_API

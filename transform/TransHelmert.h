@@ -14,15 +14,17 @@
 // but not exactly).
 #pragma once
 
-#include "platform/VXString.h"
+#include "platform/VXExport.h"
+
 #include "geometry/VXCoord.h"
 #include "persist/RuntimeCreator.h"
 #include "persist/SerCollections.h"
+#include "platform/VXString.h"
 #include "transform/Trans.h"
 
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 class CTransRecord : public CSerObject {
     VX_DECLARE_SERIAL(CTransRecord)
@@ -129,4 +131,4 @@ private:
     void CalcCorrections(CVXCoord &p) const;
 };
 
-} // namespace vx
+} // namespace VX_API
