@@ -28,6 +28,10 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/VXCommonConfig.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/VXCommonConfigVersion.cmake
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/VXCommon)
 
+# The pkg-config file finds its prefix from its own place (${pcfiledir}), not from the prefix
+# given at configure time, so that `cmake --install --prefix` anywhere gives a right file.
+file(RELATIVE_PATH VX_PC_RELATIVE_PREFIX /vxroot/${CMAKE_INSTALL_LIBDIR}/pkgconfig /vxroot)
+string(REGEX REPLACE "/$" "" VX_PC_RELATIVE_PREFIX "${VX_PC_RELATIVE_PREFIX}")
 configure_file(cmake/vxcommon.pc.in ${CMAKE_CURRENT_BINARY_DIR}/vxcommon.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vxcommon.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
