@@ -11,13 +11,16 @@ int main(int argc, char **argv) {
     using namespace vx;
     const std::string path = argc > 1 ? argv[1] : "parcel.xml";
 
+    // Section codes: 1 starts the line, 0 is straight from the previous point, and an arc is
+    // its start, a support point coded 8 and an end point coded 8.
+    constexpr char kStart = 1, kStraight = 0, kArc = 8;
     CVXCoordArr parcel;
-    parcel.Add(new CVXCoord(0.0, 0.0));
-    parcel.Add(new CVXCoord(40.0, 0.0));
-    parcel.Add(new CVXCoord(40.0, 30.0));
-    parcel.Add(new CVXCoord(20.0, 40.0)); // the arc's middle point
-    parcel.Add(new CVXCoord(0.0, 30.0));
-    parcel.Add(new CVXCoord(0.0, 0.0));
+    parcel.Add(new CVXCoord(0.0, 0.0, kStart));
+    parcel.Add(new CVXCoord(40.0, 0.0, kStraight));
+    parcel.Add(new CVXCoord(40.0, 30.0, kStraight));
+    parcel.Add(new CVXCoord(20.0, 40.0, kArc)); // the arc's support point
+    parcel.Add(new CVXCoord(0.0, 30.0, kArc));  // and its end
+    parcel.Add(new CVXCoord(0.0, 0.0, kStraight));
     {
         CArchiveX out(CVXString(path.c_str()), false);
         out.Save(u"Root", static_cast<const ISerObject *>(&parcel));
@@ -33,7 +36,13 @@ int main(int argc, char **argv) {
     }
     // A generic load gives the plain array class, which does not own its points.
     auto *points = static_cast<CSerObArray *>(root.get());
-    std::printf("%s: %d points back\n", path.c_str(), static_cast<int>(points->GetSize()));
+    std::printf("%s: %d points back, section codes", path.c_str(),
+                static_cast<int>(points->GetSize()));
+    for (int32_t i = 0; i < points->GetSize(); ++i) {
+        const auto *p = dynamic_cast<const CVXCoord *>(points->GetAt(i));
+        std::printf(" %d", p ? p->nGetSectie() : -1);
+    }
+    std::printf(" (all 1: the archive does not keep them)\n");
     for (int32_t i = 0; i < points->GetSize(); ++i)
         delete points->GetAt(i);
     return 0;
