@@ -2,8 +2,8 @@
 // done by persist/ArchiveFiles; this file only reads the arguments and reports.
 #include "Command.h"
 
-#include "platform/VXString.h"
 #include "persist/ArchiveFiles.h"
+#include "platform/VXString.h"
 
 #include <cstdio>
 #include <exception>

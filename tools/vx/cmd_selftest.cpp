@@ -116,7 +116,13 @@ int RunSelftest(const Args &args) {
     return failed ? 1 : 0;
 }
 
-const VxCommand kSelftest("selftest", "selftest [-v]   check the library end to end", RunSelftest);
+const VxCommand kSelftest(
+    "selftest", "selftest [-v]   check the library end to end", RunSelftest,
+    "Computes a few values through the installed library (coordinates, the guarded division,\n"
+    "both archives) and compares each with a value known independently. Prints the failed\n"
+    "checks and a summary line; exits 1 when a check fails.\n"
+    "\n"
+    "  -v  print every check, passed or not");
 
 } // namespace
 

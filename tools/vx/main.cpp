@@ -3,7 +3,6 @@
 
 #include <cstdio>
 #include <cstring>
-#include <map>
 #include <string>
 
 namespace vxtool {
@@ -13,19 +12,10 @@ std::vector<const VxCommand *> &Table() {
     static std::vector<const VxCommand *> table;
     return table;
 }
-
-void PrintUsage(std::FILE *out) {
-    std::fprintf(out, "usage: vx --version | vx COMMAND [ARGS]\ncommands:\n");
-    std::map<std::string, const VxCommand *> sorted;
-    for (const VxCommand *c : Table())
-        sorted[c->name] = c;
-    for (const auto &[name, c] : sorted)
-        std::fprintf(out, "  %s\n", c->usage);
-}
 } // namespace
 
-VxCommand::VxCommand(const char *n, const char *u, int (*r)(const Args &))
-    : name(n), usage(u), run(r) {
+VxCommand::VxCommand(const char *n, const char *u, int (*r)(const Args &), const char *d)
+    : name(n), usage(u), run(r), description(d) {
     Table().push_back(this);
 }
 
@@ -43,7 +33,7 @@ int Fail(const std::string &message) {
 int main(int argc, char **argv) {
     using namespace vxtool;
     if (argc < 2) {
-        PrintUsage(stderr);
+        PrintOverview(stderr);
         return 2;
     }
     const std::string name = argv[1];
@@ -51,13 +41,15 @@ int main(int argc, char **argv) {
         std::printf("vx (VXCommon) %s\n", VX_VERSION_STRING);
         return 0;
     }
-    if (name == "--help" || name == "help") {
-        PrintUsage(stdout);
+    if (name == "--help" || name == "-h") {
+        PrintOverview(stdout);
         return 0;
     }
     const Args args(argv + 2, argv + argc);
     for (const VxCommand *c : Commands()) {
         if (name == c->name) {
+            if (args.size() == 1 && (args[0] == "--help" || args[0] == "-h"))
+                return PrintCommandHelp(*c);
             try {
                 return c->run(args);
             } catch (const std::exception &e) {
@@ -65,6 +57,6 @@ int main(int argc, char **argv) {
             }
         }
     }
-    PrintUsage(stderr);
+    PrintOverview(stderr);
     return Fail("unknown command '" + name + "'");
 }
