@@ -64,7 +64,14 @@
 #include "transform/TransHelmert.h"
 
 // storage: trees, caches, file-backed arrays
+#include "storage/BoolArray.h"
+#include "storage/Cache.h"
+#include "storage/CachedFile.h"
+#include "storage/FileAt.h"
+#include "storage/PtrSplayTree2.h"
 #include "storage/PtrTree.h"
+#include "storage/ULongArrayFile.h"
+#include "storage/VXStringMap.h"
 
 // instrument: instrument records
 

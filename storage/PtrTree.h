@@ -17,6 +17,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -318,9 +319,17 @@ Node *pGoDepth(Node *pRoot) {
 // hundredth insertion, when that insertion broke the balance rule, the node halfway down the
 // deepest path is splayed to the root. cmpOf(node) gives the comparison with that node's key.
 template <class Node, class CmpOf>
-void RepairAfterInsert(Node **ppRoot, uint32_t nSize, uint32_t nDepth, const CmpOf &cmpOf) {
-    if (nSize % 100 != 0 || bBalanced(nSize, nDepth)) return;
+void SplayHalfwayDeepest(Node **ppRoot, const CmpOf &cmpOf) {
     if (const Node *pHalfway = pGoDepth(*ppRoot)) pSplayFind(ppRoot, cmpOf(pHalfway));
+}
+
+// Every this many insertions the trees consider a repair.
+constexpr uint32_t kRepairInterval = 100;
+
+template <class Node, class CmpOf>
+void RepairAfterInsert(Node **ppRoot, uint32_t nSize, uint32_t nDepth, const CmpOf &cmpOf) {
+    if (nSize % kRepairInterval != 0 || bBalanced(nSize, nDepth)) return;
+    SplayHalfwayDeepest(ppRoot, cmpOf);
 }
 
 // Frees every node, calling fFree(node) on each first, without recursion: a left child is
@@ -438,6 +447,11 @@ public:
 protected:
     using Node = CObTreeNode<T>;
 
+    // For derived trees that own their objects and want real copies: empties this tree and
+    // clones the other's nodes with copies of their objects (T's copy constructor), keeping
+    // the shape. The ownership flag stays this tree's.
+    void CloneFrom(const CPtrTree &other);
+
     uint32_t m_lSize = 0;
     bool m_bEigenaar;
     Node *m_pRoot = nullptr;
@@ -535,6 +549,27 @@ void CPtrTree<T>::EmptyTree() {
         if (bOwner) delete n->m_pObject;
     });
     m_lSize = 0;
+}
+
+template <class T>
+void CPtrTree<T>::CloneFrom(const CPtrTree &other) {
+    if (this == &other) return;
+    EmptyTree();
+    // Each pending pair is a source node and the link its clone goes to; the size is counted
+    // per node, so a failed allocation leaves a consistent (partial) tree.
+    std::vector<std::pair<const Node *, Node **>> pending;
+    if (other.m_pRoot) pending.emplace_back(other.m_pRoot, &m_pRoot);
+    while (!pending.empty()) {
+        const auto [pSource, ppLink] = pending.back();
+        pending.pop_back();
+        auto pObject = std::make_unique<T>(*pSource->m_pObject);
+        auto pNode = std::make_unique<Node>(Node{nullptr, nullptr, nullptr});
+        pNode->m_pObject = pObject.release();
+        *ppLink = pNode.release();
+        ++m_lSize;
+        if (pSource->m_pLeft) pending.emplace_back(pSource->m_pLeft, &(*ppLink)->m_pLeft);
+        if (pSource->m_pRight) pending.emplace_back(pSource->m_pRight, &(*ppLink)->m_pRight);
+    }
 }
 
 // The same structure over unsigned numbers held in the nodes. Copies are deep.
