@@ -1,6 +1,7 @@
 // The archives against their peers: the binary archive against plain fwrite/fread of the same
 // bytes, the XML archive against pugixml parsing and saving the same document. The ratios (ours
 // over peer, per pass) are printed at the end.
+#include "BenchRatio.h"
 #include "geometry/VXCoord.h"
 #include "persist/ArchiveB.h"
 #include "persist/ArchiveX.h"
@@ -194,37 +195,17 @@ BENCHMARK(BM_XmlSave_Pugixml)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_XmlLoad_Archive)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_XmlLoad_Pugixml)->Unit(benchmark::kMillisecond);
 
-// Keeps the time per pass of each benchmark for the ratios.
-class RatioReporter : public benchmark::ConsoleReporter {
-public:
-    void ReportRuns(const std::vector<Run> &runs) override {
-        ConsoleReporter::ReportRuns(runs);
-        for (const Run &run : runs)
-            times[run.benchmark_name()] = run.GetAdjustedRealTime();
-    }
-    std::map<std::string, double> times;
-};
-
-void PrintRatio(const RatioReporter &r, const char *what, const std::string &ours,
-                const std::string &peer, double target) {
-    const auto a = r.times.find(ours), b = r.times.find(peer);
-    if (a == r.times.end() || b == r.times.end() || b->second <= 0) return;
-    const double ratio = a->second / b->second;
-    std::printf("%-13s ours/peer = %6.2f  (target %.0fx: %s)\n", what, ratio, target,
-                ratio <= target ? "met" : "missed");
-}
-
 } // namespace
 
 int main(int argc, char **argv) {
     benchmark::Initialize(&argc, argv);
-    RatioReporter reporter;
+    vxbench::CRatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     std::printf("\n");
-    PrintRatio(reporter, "binary write", "BM_BinaryWrite_Archive", "BM_BinaryWrite_Raw", 4);
-    PrintRatio(reporter, "binary read", "BM_BinaryRead_Archive", "BM_BinaryRead_Raw", 4);
-    PrintRatio(reporter, "XML save", "BM_XmlSave_Archive", "BM_XmlSave_Pugixml", 2);
-    PrintRatio(reporter, "XML load", "BM_XmlLoad_Archive", "BM_XmlLoad_Pugixml", 2);
+    reporter.PrintRatio("binary write", "BM_BinaryWrite_Archive", "BM_BinaryWrite_Raw", 4);
+    reporter.PrintRatio("binary read", "BM_BinaryRead_Archive", "BM_BinaryRead_Raw", 4);
+    reporter.PrintRatio("XML save", "BM_XmlSave_Archive", "BM_XmlSave_Pugixml", 2);
+    reporter.PrintRatio("XML load", "BM_XmlLoad_Archive", "BM_XmlLoad_Pugixml", 2);
     std::remove(TempPath("vx_persist_bench.bin").c_str());
     std::remove(TempPath("vx_persist_bench.raw").c_str());
     benchmark::Shutdown();

@@ -332,6 +332,24 @@ void RepairAfterInsert(Node **ppRoot, uint32_t nSize, uint32_t nDepth, const Cmp
     SplayHalfwayDeepest(ppRoot, cmpOf);
 }
 
+// Hangs a clone of the tree at pSource into the empty link ppRoot, keeping the shape;
+// fClone(source node) makes a childless clone. nSize is counted per node, so a failed
+// allocation leaves a consistent (partial) tree.
+template <class Node, class Clone>
+void CloneShape(const Node *pSource, Node **ppRoot, uint32_t &nSize, const Clone &fClone) {
+    // Each pending pair is a source node and the link its clone goes to.
+    std::vector<std::pair<const Node *, Node **>> pending;
+    if (pSource) pending.emplace_back(pSource, ppRoot);
+    while (!pending.empty()) {
+        const auto [pFrom, ppLink] = pending.back();
+        pending.pop_back();
+        *ppLink = fClone(pFrom);
+        ++nSize;
+        if (pFrom->m_pLeft) pending.emplace_back(pFrom->m_pLeft, &(*ppLink)->m_pLeft);
+        if (pFrom->m_pRight) pending.emplace_back(pFrom->m_pRight, &(*ppLink)->m_pRight);
+    }
+}
+
 // Frees every node, calling fFree(node) on each first, without recursion: a left child is
 // rotated up until the node in front has none, and that node is freed.
 template <class Node, class Free>
@@ -555,21 +573,12 @@ template <class T>
 void CPtrTree<T>::CloneFrom(const CPtrTree &other) {
     if (this == &other) return;
     EmptyTree();
-    // Each pending pair is a source node and the link its clone goes to; the size is counted
-    // per node, so a failed allocation leaves a consistent (partial) tree.
-    std::vector<std::pair<const Node *, Node **>> pending;
-    if (other.m_pRoot) pending.emplace_back(other.m_pRoot, &m_pRoot);
-    while (!pending.empty()) {
-        const auto [pSource, ppLink] = pending.back();
-        pending.pop_back();
+    treedetail::CloneShape(other.m_pRoot, &m_pRoot, m_lSize, [](const Node *pSource) {
         auto pObject = std::make_unique<T>(*pSource->m_pObject);
         auto pNode = std::make_unique<Node>(Node{nullptr, nullptr, nullptr});
         pNode->m_pObject = pObject.release();
-        *ppLink = pNode.release();
-        ++m_lSize;
-        if (pSource->m_pLeft) pending.emplace_back(pSource->m_pLeft, &(*ppLink)->m_pLeft);
-        if (pSource->m_pRight) pending.emplace_back(pSource->m_pRight, &(*ppLink)->m_pRight);
-    }
+        return pNode.release();
+    });
 }
 
 // The same structure over unsigned numbers held in the nodes. Copies are deep.
@@ -689,17 +698,9 @@ template <class T>
 void CSimpleTree<T>::Copy(const CSimpleTree &other) {
     if (this == &other) return;
     EmptyTree();
-    // Clone level by level: each pending pair is a source node and the link its clone goes to.
-    std::vector<std::pair<const Node *, Node **>> pending;
-    if (other.m_pRoot) pending.emplace_back(other.m_pRoot, &m_pRoot);
-    while (!pending.empty()) {
-        const auto [pSource, ppLink] = pending.back();
-        pending.pop_back();
-        *ppLink = new Node{pSource->m_value, nullptr, nullptr};
-        ++m_lSize; // counted per node, so that a failed allocation leaves a consistent tree
-        if (pSource->m_pLeft) pending.emplace_back(pSource->m_pLeft, &(*ppLink)->m_pLeft);
-        if (pSource->m_pRight) pending.emplace_back(pSource->m_pRight, &(*ppLink)->m_pRight);
-    }
+    treedetail::CloneShape(other.m_pRoot, &m_pRoot, m_lSize, [](const Node *pSource) {
+        return new Node{pSource->m_value, nullptr, nullptr};
+    });
 }
 
 template <class T>
