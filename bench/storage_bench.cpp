@@ -18,6 +18,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <map>
 #include <memory>
 #include <numeric>
 #include <random>
@@ -30,7 +31,11 @@ namespace {
 
 using namespace vx;
 
-constexpr size_t kTreeKeys = 1000000;
+// Keys of the tree benchmarks. The splay tree runs its repair, a walk of the whole tree, at
+// every hundredth insertion whatever the shape, so building it costs O(n^2 / 100): at a million
+// keys that is a quarter of an hour per pass, so it is measured at a tenth of that.
+constexpr int64_t kTreeKeys = 1000000;
+constexpr int64_t kSplayTreeKeys = 100000;
 constexpr uint64_t kArrayElements = 10000000;
 constexpr size_t kAccessPattern = 1 << 20; // random indices, reused cyclically
 constexpr uint32_t kPageSize = 4096;
@@ -41,13 +46,13 @@ constexpr uint32_t kChunk = 256;       // bytes per file access
 
 // ---- trees ----
 
-// Distinct keys in random order, and the same keys in another random order for the look-ups.
+// n distinct keys in random order, and the same keys in another random order for look-ups.
 struct CTreeKeys {
-    CTreeKeys() : keys(kTreeKeys), probes(kTreeKeys) {
+    explicit CTreeKeys(size_t n) : keys(n), probes(n) {
         std::iota(keys.begin(), keys.end(), 0u);
         std::mt19937 rng(1);
         std::shuffle(keys.begin(), keys.end(), rng);
-        for (size_t i = 0; i < kTreeKeys; ++i)
+        for (size_t i = 0; i < n; ++i)
             probes[i] = &keys[i];
         std::shuffle(probes.begin(), probes.end(), rng);
     }
@@ -55,9 +60,11 @@ struct CTreeKeys {
     std::vector<const uint32_t *> probes;
 };
 
-const CTreeKeys &TreeKeys() {
-    static const CTreeKeys keys;
-    return keys;
+const CTreeKeys &TreeKeys(const benchmark::State &state) {
+    static std::map<int64_t, std::unique_ptr<CTreeKeys>> cache;
+    auto &pKeys = cache[state.range(0)];
+    if (!pKeys) pKeys = std::make_unique<CTreeKeys>(static_cast<size_t>(state.range(0)));
+    return *pKeys;
 }
 
 int CompareKeys(const void *a, const void *b) {
@@ -82,67 +89,75 @@ struct DerefLess {
 using KeySet = std::set<const uint32_t *, DerefLess>;
 
 template <class Insert>
-void InsertAll(const Insert &insert) {
-    for (const uint32_t &key : TreeKeys().keys)
+void InsertAll(const benchmark::State &state, const Insert &insert) {
+    for (const uint32_t &key : TreeKeys(state).keys)
         insert(&key);
 }
 
-void BM_TreeInsert_PtrTree(benchmark::State &state) {
+// One pass inserts all keys into a new container.
+template <class Container, class Insert>
+void InsertPasses(benchmark::State &state, const Insert &insert) {
     for (auto _ : state) {
-        CKeyTree tree;
-        InsertAll([&](const uint32_t *p) { tree.bInsert(p); });
-        benchmark::DoNotOptimize(tree.lGetSize());
+        Container c;
+        InsertAll(state, [&](const uint32_t *p) { insert(c, p); });
+        benchmark::DoNotOptimize(&c);
     }
+}
+
+void BM_TreeInsert_PtrTree(benchmark::State &state) {
+    InsertPasses<CKeyTree>(state, [](CKeyTree &t, const uint32_t *p) { t.bInsert(p); });
 }
 
 void BM_TreeInsert_SplayTree2(benchmark::State &state) {
-    for (auto _ : state) {
-        CKeySplayTree tree;
-        InsertAll([&](const uint32_t *p) { tree.Insert(const_cast<uint32_t *>(p)); });
-        benchmark::DoNotOptimize(tree.GetSize());
-    }
+    InsertPasses<CKeySplayTree>(
+        state, [](CKeySplayTree &t, const uint32_t *p) { t.Insert(const_cast<uint32_t *>(p)); });
 }
 
 void BM_TreeInsert_StdSet(benchmark::State &state) {
-    for (auto _ : state) {
-        KeySet set;
-        InsertAll([&](const uint32_t *p) { set.insert(p); });
-        benchmark::DoNotOptimize(set.size());
-    }
+    InsertPasses<KeySet>(state, [](KeySet &set, const uint32_t *p) { set.insert(p); });
 }
 
-// Looks every key up once per iteration in the probe order; the tree is built once.
+// One pass looks every key up once, in the probe order.
 template <class Tree, class Lookup>
 void LookupAll(benchmark::State &state, Tree &tree, const Lookup &lookup) {
     for (auto _ : state) {
         size_t found = 0;
-        for (const uint32_t *probe : TreeKeys().probes)
+        for (const uint32_t *probe : TreeKeys(state).probes)
             found += lookup(tree, probe) ? 1 : 0;
         benchmark::DoNotOptimize(found);
     }
 }
 
-void BM_TreeLookup_PtrTreeSplaying(benchmark::State &state) {
-    CKeyTree tree;
-    InsertAll([&](const uint32_t *p) { tree.bInsert(p); });
-    LookupAll(state, tree, [](CKeyTree &t, const uint32_t *p) { return t.pLookup(p); });
+// Building the pointer tree takes a while, so both of its look-up benchmarks share one.
+CKeyTree &SharedPtrTree(const benchmark::State &state) {
+    static std::map<int64_t, std::unique_ptr<CKeyTree>> cache;
+    auto &pTree = cache[state.range(0)];
+    if (!pTree) {
+        pTree = std::make_unique<CKeyTree>();
+        InsertAll(state, [&](const uint32_t *p) { pTree->bInsert(p); });
+    }
+    return *pTree;
 }
 
 void BM_TreeLookup_PtrTreeFind(benchmark::State &state) {
-    CKeyTree tree;
-    InsertAll([&](const uint32_t *p) { tree.bInsert(p); });
-    LookupAll(state, tree, [](const CKeyTree &t, const uint32_t *p) { return t.Find(p); });
+    LookupAll(state, SharedPtrTree(state),
+              [](const CKeyTree &t, const uint32_t *p) { return t.Find(p); });
+}
+
+void BM_TreeLookup_PtrTreeSplaying(benchmark::State &state) {
+    LookupAll(state, SharedPtrTree(state),
+              [](CKeyTree &t, const uint32_t *p) { return t.pLookup(p); });
 }
 
 void BM_TreeLookup_SplayTree2(benchmark::State &state) {
     CKeySplayTree tree;
-    InsertAll([&](const uint32_t *p) { tree.Insert(const_cast<uint32_t *>(p)); });
+    InsertAll(state, [&](const uint32_t *p) { tree.Insert(const_cast<uint32_t *>(p)); });
     LookupAll(state, tree, [](CKeySplayTree &t, const uint32_t *p) { return t.Lookup(p); });
 }
 
 void BM_TreeLookup_StdSet(benchmark::State &state) {
     KeySet set;
-    InsertAll([&](const uint32_t *p) { set.insert(p); });
+    InsertAll(state, [&](const uint32_t *p) { set.insert(p); });
     LookupAll(state, set, [](const KeySet &s, const uint32_t *p) { return s.count(p) != 0; });
 }
 
@@ -317,16 +332,26 @@ void RegisterFileBenchmarks() {
 
 void PrintRatios(const vxbench::CRatioReporter &rep) {
     constexpr double kTreeTarget = 1.5;
-    rep.PrintRatio("CPtrTree insert vs std::set", "BM_TreeInsert_PtrTree", "BM_TreeInsert_StdSet",
-                   kTreeTarget);
-    rep.PrintRatio("CPtrSplayTree2 insert vs std::set", "BM_TreeInsert_SplayTree2",
-                   "BM_TreeInsert_StdSet", kTreeTarget);
-    rep.PrintRatio("CPtrTree pLookup (splays) vs std::set", "BM_TreeLookup_PtrTreeSplaying",
-                   "BM_TreeLookup_StdSet", kTreeTarget);
-    rep.PrintRatio("CPtrTree Find vs std::set", "BM_TreeLookup_PtrTreeFind", "BM_TreeLookup_StdSet",
-                   kTreeTarget);
-    rep.PrintRatio("CPtrSplayTree2 Lookup vs std::set", "BM_TreeLookup_SplayTree2",
-                   "BM_TreeLookup_StdSet", kTreeTarget);
+    const struct {
+        const char *what;
+        const char *ours;
+        const char *peer;
+    } trees[] = {
+        {"CPtrTree insert vs std::set", "BM_TreeInsert_PtrTree", "BM_TreeInsert_StdSet"},
+        {"CPtrTree Find vs std::set", "BM_TreeLookup_PtrTreeFind", "BM_TreeLookup_StdSet"},
+        {"CPtrTree pLookup (splays) vs std::set", "BM_TreeLookup_PtrTreeSplaying",
+         "BM_TreeLookup_StdSet"},
+        {"CPtrSplayTree2 insert vs std::set", "BM_TreeInsert_SplayTree2", "BM_TreeInsert_StdSet"},
+        {"CPtrSplayTree2 Lookup vs std::set", "BM_TreeLookup_SplayTree2", "BM_TreeLookup_StdSet"},
+    };
+    for (const auto &t : trees)
+        for (int64_t n : {kSplayTreeKeys, kTreeKeys}) {
+            const std::string count = std::to_string(n);
+            std::string what = t.what;
+            what.append(", ").append(count).append(" keys");
+            rep.PrintRatio(what.c_str(), std::string(t.ours).append("/").append(count),
+                           std::string(t.peer).append("/").append(count), kTreeTarget);
+        }
     for (int kind = 0; kind < 4; ++kind) {
         const std::string what = std::string("CULongArrayFile ") + kArrayKinds[kind];
         rep.PrintRatio((what + " vs std::vector").c_str(), ArrayName(kind, "ULongArrayFile"),
@@ -342,13 +367,13 @@ void PrintRatios(const vxbench::CRatioReporter &rep) {
 
 } // namespace
 
-BENCHMARK(BM_TreeInsert_PtrTree)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_TreeInsert_SplayTree2)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_TreeInsert_StdSet)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_TreeLookup_PtrTreeSplaying)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_TreeLookup_PtrTreeFind)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_TreeLookup_SplayTree2)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_TreeLookup_StdSet)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_TreeInsert_PtrTree)->Arg(kTreeKeys)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_TreeInsert_SplayTree2)->Arg(kSplayTreeKeys)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_TreeInsert_StdSet)->Arg(kSplayTreeKeys)->Arg(kTreeKeys)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_TreeLookup_PtrTreeFind)->Arg(kTreeKeys)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_TreeLookup_PtrTreeSplaying)->Arg(kTreeKeys)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_TreeLookup_SplayTree2)->Arg(kSplayTreeKeys)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_TreeLookup_StdSet)->Arg(kSplayTreeKeys)->Arg(kTreeKeys)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char **argv) {
     RegisterFileBenchmarks();
