@@ -94,7 +94,9 @@ void CCache::AddEntry(const CCacheNode &node) {
         pos = m_List.AddHead(node);
         auto pRec = std::make_unique<CRecToPos>(CRecToPos{node.m_nKey, pos});
         m_Tree.bInsert(pRec.get());
-        pRec.release();
+        // Splayed in, so that keys that come in order (the common pattern) do not build a
+        // chain: the tree's size stays at the limit, where its own repair never runs.
+        m_Tree.pLookup(pRec.release());
     } catch (...) {
         if (pos) m_List.RemoveAt(pos);
         DeleteObject(node.m_pObject);
@@ -108,6 +110,7 @@ void CCache::RemoveEntry(POSITION pos, bool bWrite) {
     if (bWrite && node.m_bDirty) SchrijfObject(node.m_nKey, node.m_pObject);
     DeleteObject(node.m_pObject);
     const CRecToPos probe{node.m_nKey, nullptr};
+    m_Tree.pLookup(&probe); // splayed out as well: the deletion then happens at the root
     m_Tree.bDelete(&probe);
     m_List.RemoveAt(pos);
 }

@@ -209,6 +209,7 @@ template <class Node>
 Node *pUnlink(Node **ppLink) {
     Node *pNode = *ppLink;
     *ppLink = pNode->m_pRight;
+    if (!pNode->m_pLeft) return pNode; // nothing to hang: the walk would change nothing
     while (*ppLink)
         ppLink = &(*ppLink)->m_pLeft;
     *ppLink = pNode->m_pLeft;
@@ -287,30 +288,29 @@ struct CDProbe {
 template <class Node>
 Node *pGoDepth(Node *pRoot) {
     CDProbe<Node> probe;
-    struct Frame {
-        Node *pNode;
-        int nStage; // 0: enter, 1: left done, 2: both done
-    };
-    std::vector<Frame> stack;
-    if (pRoot) stack.push_back({pRoot, 0});
-    while (!stack.empty()) {
-        const size_t top = stack.size() - 1;
-        Node *pNode = stack[top].pNode;
-        switch (stack[top].nStage++) {
-        case 0:
+    std::vector<Node *> path; // from the root to the node in hand
+    Node *pNode = pRoot;      // the next node to enter, or null to finish the top of the path
+    const Node *pDone = nullptr;
+    while (pNode || !path.empty()) {
+        if (pNode) {
+            path.push_back(pNode);
             ++probe.m_nDepth;
             if (probe.m_nDepth > probe.m_nMaxDepth) probe.m_nMaxDepth = probe.m_nDepth;
-            if (pNode->m_pLeft) stack.push_back({pNode->m_pLeft, 0});
-            break;
-        case 1:
-            if (pNode->m_pRight) stack.push_back({pNode->m_pRight, 0});
-            break;
-        default:
-            if (probe.m_nDepth == probe.m_nMaxDepth / 2) probe.m_pFound = pNode;
-            --probe.m_nDepth;
-            stack.pop_back();
-            break;
+            // The right child is wanted after the left subtree: fetch it early, the walk is
+            // bound by memory latency.
+            __builtin_prefetch(pNode->m_pRight);
+            pNode = pNode->m_pLeft;
+            continue;
         }
+        Node *pTop = path.back();
+        if (pTop->m_pRight && pDone != pTop->m_pRight) { // the right subtree is still to do
+            pNode = pTop->m_pRight;
+            continue;
+        }
+        if (probe.m_nDepth == probe.m_nMaxDepth / 2) probe.m_pFound = pTop;
+        --probe.m_nDepth;
+        pDone = pTop;
+        path.pop_back();
     }
     return probe.m_pFound;
 }
