@@ -6,6 +6,8 @@
 // the memory array does nothing (a bit beyond the end reads clear anyway).
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "platform/Object.h"
 #include "storage/ULongArrayFile.h"
 
@@ -13,7 +15,7 @@
 #include <cstdint>
 #include <memory>
 
-namespace vx {
+namespace vx VX_API {
 
 namespace bitword {
 constexpr uint32_t kBits = 32;
@@ -99,4 +101,4 @@ private:
     void GrowFor(uint64_t i);
 };
 
-} // namespace vx
+} // namespace VX_API

@@ -17,6 +17,8 @@
 // One thread at a time: reads reorder the list and splay the tree.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "platform/Lists.h"
 #include "platform/Object.h"
 #include "platform/VXTypes.h"
@@ -24,7 +26,7 @@
 
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 // What the tree holds: a key and the list position of its entry.
 struct CRecToPos {
@@ -125,4 +127,4 @@ private:
     void VerwijderTeVerwijderen();
 };
 
-} // namespace vx
+} // namespace VX_API

@@ -12,13 +12,15 @@
 // already in the cache are not touched by SetLength.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "foundation/VXFile.h"
 #include "foundation/VXString.h"
 #include "storage/Cache.h"
 
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 class CCachedFile : public CCache {
 public:
@@ -71,4 +73,4 @@ private:
     void ForEachPiece(uint64_t nPos, uint32_t n, const Copy &fCopy);
 };
 
-} // namespace vx
+} // namespace VX_API

@@ -3,15 +3,17 @@
 // CFileException as CFile's own operations do (diskFull for a full device or a file size limit).
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "platform/File.h"
 
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 // Reads up to n bytes at the offset; fewer only at the end of the file. The number read.
 uint32_t ReadAt(CFile &file, uint64_t nOffset, void *p, uint32_t n);
 // Writes all n bytes at the offset, growing the file when needed.
 void WriteAt(CFile &file, uint64_t nOffset, const void *p, uint32_t n);
 
-} // namespace vx
+} // namespace VX_API

@@ -10,12 +10,14 @@
 // A walk reads: pos = GetFirstPosition(); while (pos) data = GetNext(pos);
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "platform/Object.h"
 #include "platform/VXTypes.h"
 
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 struct CPtrSplayNode2 {
     void *m_pData;
@@ -73,4 +75,4 @@ private:
     void UnlinkFromList(Node *pNode) noexcept;
 };
 
-} // namespace vx
+} // namespace VX_API

@@ -12,6 +12,8 @@
 // So an array of more than 2^32 elements costs nothing until it is written.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "foundation/VXFile.h"
 #include "platform/Object.h"
 #include "storage/Cache.h"
@@ -20,7 +22,7 @@
 #include <memory>
 #include <vector>
 
-namespace vx {
+namespace vx VX_API {
 
 class CULongArrayFile : public CCache {
 public:
@@ -84,4 +86,4 @@ private:
     std::vector<std::unique_ptr<CULongArrayFile>> m_arrays;
 };
 
-} // namespace vx
+} // namespace VX_API

@@ -2,10 +2,12 @@
 // (CVXString::Compare). A missing key and an empty value look the same to Find.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "foundation/VXString.h"
 #include "storage/PtrTree.h"
 
-namespace vx {
+namespace vx VX_API {
 
 class CVXStringMapItem {
 public:
@@ -42,4 +44,4 @@ public:
     bool Remove(const CVXString &key);
 };
 
-} // namespace vx
+} // namespace VX_API
