@@ -210,17 +210,23 @@ void RawAccess(int fd, void *p, size_t n, uint64_t offset, bool bWrite) {
     benchmark::DoNotOptimize(done);
 }
 
-// One element read or written per iteration: the n-th access goes to IndexAt(n).
-template <class Access>
-void AccessElements(benchmark::State &state, bool bRandom, const Access &access) {
+// One access per iteration: the n-th goes to the place at(n).
+template <class Place, class Access>
+void Accesses(benchmark::State &state, const Place &at, const Access &access) {
+    benchmark::DoNotOptimize(at(0)); // builds the access pattern before the clock runs
     uint64_t n = 0;
     for (auto _ : state)
-        access(IndexAt(n++, bRandom));
+        access(at(n++));
+}
+
+// The element of the n-th access.
+auto ElementAt(bool bRandom) {
+    return [bRandom](uint64_t n) { return IndexAt(n, bRandom); };
 }
 
 void ArrayFile(benchmark::State &state, bool bRandom, bool bWrite) {
     CULongArrayFile array(kArrayElements);
-    AccessElements(state, bRandom, [&](uint64_t i) {
+    Accesses(state, ElementAt(bRandom), [&](uint64_t i) {
         if (bWrite)
             array.SetAt(i, static_cast<uint32_t>(i));
         else
@@ -230,7 +236,7 @@ void ArrayFile(benchmark::State &state, bool bRandom, bool bWrite) {
 
 void Vector(benchmark::State &state, bool bRandom, bool bWrite) {
     std::vector<uint32_t> values(kArrayElements);
-    AccessElements(state, bRandom, [&](uint64_t i) {
+    Accesses(state, ElementAt(bRandom), [&](uint64_t i) {
         if (bWrite)
             values[i] = static_cast<uint32_t>(i);
         else
@@ -241,7 +247,7 @@ void Vector(benchmark::State &state, bool bRandom, bool bWrite) {
 
 void PreadPwrite(benchmark::State &state, bool bRandom, bool bWrite) {
     CRawFile file(kArrayElements * sizeof(uint32_t));
-    AccessElements(state, bRandom, [&](uint64_t i) {
+    Accesses(state, ElementAt(bRandom), [&](uint64_t i) {
         auto value = static_cast<uint32_t>(i);
         RawAccess(file.fd(), &value, sizeof value, i * sizeof value, bWrite);
     });
@@ -260,11 +266,8 @@ uint64_t PageOffsetAt(uint64_t n, uint64_t nPages) {
     return RandomPages(nPages)[n % kAccessPattern] * kPageSize + (n * kChunk) % kPageSize;
 }
 
-template <class Access>
-void AccessPages(benchmark::State &state, uint64_t nPages, const Access &access) {
-    uint64_t n = 0;
-    for (auto _ : state)
-        access(PageOffsetAt(n++, nPages));
+auto PageAt(uint64_t nPages) {
+    return [nPages](uint64_t n) { return PageOffsetAt(n, nPages); };
 }
 
 void CachedFile(benchmark::State &state, uint64_t nPages, bool bWrite) {
@@ -272,7 +275,7 @@ void CachedFile(benchmark::State &state, uint64_t nPages, bool bWrite) {
     if (!file.OpenTemp(CVXString(), kPageSize)) std::abort();
     file.SetLength(nPages * kPageSize);
     char chunk[kChunk] = {};
-    AccessPages(state, nPages, [&](uint64_t offset) {
+    Accesses(state, PageAt(nPages), [&](uint64_t offset) {
         file.Seek(offset);
         if (bWrite)
             file.Write(chunk, kChunk);
@@ -286,8 +289,8 @@ void CachedFile(benchmark::State &state, uint64_t nPages, bool bWrite) {
 void PagesPreadPwrite(benchmark::State &state, uint64_t nPages, bool bWrite) {
     CRawFile file(nPages * kPageSize);
     char chunk[kChunk] = {};
-    AccessPages(state, nPages,
-                [&](uint64_t offset) { RawAccess(file.fd(), chunk, kChunk, offset, bWrite); });
+    Accesses(state, PageAt(nPages),
+             [&](uint64_t offset) { RawAccess(file.fd(), chunk, kChunk, offset, bWrite); });
 }
 
 // The peers of each family, and the access kinds each is measured with.
