@@ -74,6 +74,8 @@
 #include "storage/VXStringMap.h"
 
 // instrument: instrument records
+#include "instrument/Instrument.h"
+#include "instrument/TachyWrn.h"
 
 // text: text files, message lists
 #include "text/AsciiFile.h"
@@ -82,6 +84,8 @@
 #include "text/TextFile.h"
 
 // device: serial link
+#include "device/CommTypes.h"
+#include "device/Communicatie.h"
 
 // host: logging
 #include "host/Logger.h"
