@@ -83,6 +83,16 @@ bool DcbToTermios(const DCB &dcb, termios &t) {
     return true;
 }
 
+// The parts of the settings that DcbToTermios sets.
+bool bSameLine(const termios &a, const termios &b) {
+    constexpr tcflag_t cflags = CSIZE | PARENB | PARODD | CMSPAR | CSTOPB | CRTSCTS;
+    constexpr tcflag_t iflags = INPCK | IXON | IXOFF;
+    return ::cfgetospeed(&a) == ::cfgetospeed(&b) && ::cfgetispeed(&a) == ::cfgetispeed(&b) &&
+           (a.c_cflag & cflags) == (b.c_cflag & cflags) &&
+           (a.c_iflag & iflags) == (b.c_iflag & iflags) && a.c_cc[VSTART] == b.c_cc[VSTART] &&
+           a.c_cc[VSTOP] == b.c_cc[VSTOP];
+}
+
 uint8_t ParityOf(const termios &t) {
     if ((t.c_cflag & PARENB) == 0) return NOPARITY;
     const bool odd = (t.c_cflag & PARODD) != 0;
@@ -116,13 +126,25 @@ void SetDtr(int fd, uint32_t control) {
 } // namespace
 
 bool CCommunicatie::SetCommState(DCB *dcb) {
-    termios t{};
-    if (!m_bActief || !bPortOpen() || dcb == nullptr || ::tcgetattr(m_hComm, &t) != 0) return false;
+    termios before{};
+    if (!m_bActief || !bPortOpen() || dcb == nullptr || ::tcgetattr(m_hComm, &before) != 0)
+        return false;
+    termios t = before;
     if (!DcbToTermios(*dcb, t)) {
         errno = EINVAL;
         return false;
     }
     if (::tcsetattr(m_hComm, TCSANOW, &t) != 0) return false;
+    // The driver takes what it can and says nothing of the rest (a pseudo-terminal keeps 8 bits
+    // without parity whatever is asked): settings it did not take are refused as a whole, the
+    // old ones come back, and the error mask reports the mode as not supported.
+    termios taken{};
+    if (::tcgetattr(m_hComm, &taken) != 0 || !bSameLine(t, taken)) {
+        ::tcsetattr(m_hComm, TCSANOW, &before);
+        m_bModeFout = true;
+        errno = EINVAL;
+        return false;
+    }
     SetDtr(m_hComm, dcb->fDtrControl);
     return true;
 }

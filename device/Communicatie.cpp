@@ -232,6 +232,7 @@ bool CCommunicatie::OpenComm(int nPort) {
     m_hComm = fd;
     m_bOpen = true;
     m_Tellers = SFoutTellers();
+    m_bModeFout = false;
     uint32_t ignored = 0;
     ClearCommError(ignored); // errors from before the open are not ours
     return true;
@@ -307,6 +308,8 @@ ComRes CCommunicatie::ReadOneChar(void *buf, int nSeconds, bool bBreak) {
 bool CCommunicatie::ClearCommError(uint32_t &mask) {
     mask = 0;
     if (!bPortOpen()) return false;
+    if (m_bModeFout) mask |= CE_MODE;
+    m_bModeFout = false;
     // The driver's counters, where it keeps them (a pseudo-terminal keeps none: no errors).
     serial_icounter_struct c{};
     if (::ioctl(m_hComm, TIOCGICOUNT, &c) != 0) return true;

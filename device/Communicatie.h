@@ -103,6 +103,8 @@ private:
     // The handle keeps its value after CloseComm, as it always did; this says whether it is
     // still ours, so that a closed number (which the system may hand out again) is never used.
     bool m_bOpen = false;
+    // SetCommState was refused by the driver since the last look at the errors.
+    bool m_bModeFout = false;
     // The driver's error counters at the last look (see ClearCommError).
     struct SFoutTellers {
         int32_t nFrame = 0;
