@@ -7,7 +7,18 @@ namespace vx {
 
 // Both instrument classes are versionable at version 1.
 namespace {
+
 constexpr uint32_t kInstrumentSchema = VERSIONABLE_SCHEMA | 1u;
+
+// The binary fields in order: written when storing, read back when loading.
+template <class... T>
+void FieldsB(CArchiveB &ar, T &...fields) {
+    if (ar.IsStoring())
+        (ar << ... << fields);
+    else
+        (ar >> ... >> fields);
+}
+
 } // namespace
 
 VX_IMPLEMENT_SERIAL(CInstrumentTachy, kInstrumentSchema)
@@ -23,10 +34,7 @@ void CInstrumentBase::SerializeX(CArchiveX &ar) {
 
 void CInstrumentBase::SerializeB(CArchiveB &ar) {
     CSerObject::SerializeB(ar);
-    if (ar.IsStoring())
-        ar << m_nNummer << m_szOms;
-    else
-        ar >> m_nNummer >> m_szOms;
+    FieldsB(ar, m_nNummer, m_szOms);
 }
 
 // ---- CInstrumentTachy --------------------------------------------------------------------------
@@ -57,10 +65,7 @@ void CInstrumentTachy::SerializeB(CArchiveB &ar) {
     CInstrumentBase::SerializeB(ar);
     // Kept on purpose: the binary form has no m_szProgID, so existing binary files keep their
     // layout; a binary load leaves the identifier as it was.
-    if (ar.IsStoring())
-        ar << m_dAbsD << m_dRelD << m_dAbsH << m_dRelH << m_dAbsV << m_dRelV;
-    else
-        ar >> m_dAbsD >> m_dRelD >> m_dAbsH >> m_dRelH >> m_dAbsV >> m_dRelV;
+    FieldsB(ar, m_dAbsD, m_dRelD, m_dAbsH, m_dRelH, m_dAbsV, m_dRelV);
 }
 
 // ---- CInstrumentGPS ----------------------------------------------------------------------------
@@ -79,10 +84,7 @@ void CInstrumentGPS::SerializeX(CArchiveX &ar) {
 
 void CInstrumentGPS::SerializeB(CArchiveB &ar) {
     CInstrumentBase::SerializeB(ar);
-    if (ar.IsStoring())
-        ar << m_dAbs << m_dPPM;
-    else
-        ar >> m_dAbs >> m_dPPM;
+    FieldsB(ar, m_dAbs, m_dPPM);
 }
 
 } // namespace vx

@@ -29,6 +29,13 @@ double Through15Digits(double d) {
     return std::strtod(text, nullptr);
 }
 
+// The in-memory XML archive's text after saving the object by pointer as the element "I".
+CVXString SavedXml(const ISerObject &object) {
+    CArchiveX out(false);
+    out.Save(u"I", &object);
+    return out.XML();
+}
+
 CInstrumentTachy SampleTachy() {
     CInstrumentTachy t(0x0102);
     t.m_szOms = u"AB";
@@ -140,9 +147,8 @@ TEST(Instrument, GpsBinaryFormAndCreatorsByName) {
 
 TEST(Instrument, XmlFormKeepsTheDriver) {
     CInstrumentTachy t = SampleTachy();
-    CArchiveX out(false);
-    out.Save(u"I", static_cast<const ISerObject *>(&t));
-    EXPECT_EQ(Narrow(out.XML()),
+    const CVXString xml = SavedXml(t);
+    EXPECT_EQ(Narrow(xml),
               "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
               "<VXA>\n"
               "\t<I MFC_RUNTIME_TYPE=\"CInstrumentTachy\" MFC_RUNTIME_TYPE_SCHEMA=\"2147483649\" "
@@ -152,7 +158,7 @@ TEST(Instrument, XmlFormKeepsTheDriver) {
               "</VXA>\n");
 
     CArchiveX in(true);
-    in.XML(out.XML());
+    in.XML(xml);
     ISerObject *loaded = nullptr;
     in.Load(u"I", loaded);
     std::unique_ptr<ISerObject> owner(loaded);
@@ -163,13 +169,10 @@ TEST(Instrument, XmlFormKeepsTheDriver) {
     EXPECT_EQ(back->m_dAbsH, Through15Digits(kMilliGon));
     EXPECT_EQ(back->m_dRelV, -2.25);
 
-    CInstrumentGPS g(1);
-    CArchiveX gx(false);
-    gx.Save(u"G", static_cast<const ISerObject *>(&g));
-    EXPECT_EQ(Narrow(gx.XML()),
+    EXPECT_EQ(Narrow(SavedXml(CInstrumentGPS(1))),
               "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
               "<VXA>\n"
-              "\t<G MFC_RUNTIME_TYPE=\"CInstrumentGPS\" MFC_RUNTIME_TYPE_SCHEMA=\"2147483649\" "
+              "\t<I MFC_RUNTIME_TYPE=\"CInstrumentGPS\" MFC_RUNTIME_TYPE_SCHEMA=\"2147483649\" "
               "m_nNummer=\"1\" m_szOms=\"\" m_dAbs=\"0.01\" m_dPPM=\"1\" />\n"
               "</VXA>\n");
 }
