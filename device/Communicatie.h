@@ -18,8 +18,8 @@
 #pragma once
 
 #include "device/CommTypes.h"
-#include "foundation/VXString.h"
 #include "platform/Object.h"
+#include "platform/VXString.h"
 
 #include <cstdint>
 

@@ -12,9 +12,9 @@
 //   CInstrumentGPS    binary: m_dAbs, m_dPPM; XML: "m_dAbs", "m_dPPM".
 #pragma once
 
-#include "foundation/VXString.h"
 #include "persist/RuntimeCreator.h"
 #include "persist/SerObject.h"
+#include "platform/VXString.h"
 
 #include <cstdint>
 #include <numbers>

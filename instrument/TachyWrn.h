@@ -9,9 +9,9 @@
 // NaN is the unknown value and passes through every conversion.
 #pragma once
 
-#include "foundation/VXString.h"
 #include "persist/SerObject.h"
 #include "platform/Object.h"
+#include "platform/VXString.h"
 #include "platform/VXTypes.h"
 
 #include <cstdint>

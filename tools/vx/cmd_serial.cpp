@@ -4,8 +4,8 @@
 #include "Command.h"
 
 #include "device/Communicatie.h"
-#include "foundation/VXString.h"
 #include "platform/UserPrompt.h"
+#include "platform/VXString.h"
 
 #include <cctype>
 #include <cerrno>
