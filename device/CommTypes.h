@@ -4,9 +4,11 @@
 // device/CommState.cpp.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 // Parity (DCB::Parity).
 inline constexpr uint8_t NOPARITY = 0;
@@ -127,4 +129,4 @@ struct COMMPROP {
     char16_t wcProvChar[1] = {};
 };
 
-} // namespace vx
+} // namespace VX_API

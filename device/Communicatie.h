@@ -17,13 +17,15 @@
 // link), ENOTTY (not a terminal), EACCES and the like as the system gives them.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "device/CommTypes.h"
 #include "platform/Object.h"
 #include "platform/VXString.h"
 
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 // The result of ReadOneChar.
 enum ComRes : int { ComByte = 1, ComFout = 2, ComTimeOut = 3 };
@@ -116,4 +118,4 @@ private:
     SFoutTellers m_Tellers;
 };
 
-} // namespace vx
+} // namespace VX_API

@@ -12,6 +12,8 @@
 //   CInstrumentGPS    binary: m_dAbs, m_dPPM; XML: "m_dAbs", "m_dPPM".
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "persist/RuntimeCreator.h"
 #include "persist/SerObject.h"
 #include "platform/VXString.h"
@@ -19,7 +21,7 @@
 #include <cstdint>
 #include <numbers>
 
-namespace vx {
+namespace vx VX_API {
 
 // The defaults that Reset restores.
 inline constexpr double dInstrumentAbsDistDefault = 0.01; // metres
@@ -89,4 +91,4 @@ public:
     CInstrumentGPS *pCopy() const override { return new CInstrumentGPS(*this); }
 };
 
-} // namespace vx
+} // namespace VX_API

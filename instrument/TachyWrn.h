@@ -9,6 +9,8 @@
 // NaN is the unknown value and passes through every conversion.
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "persist/SerObject.h"
 #include "platform/Object.h"
 #include "platform/VXString.h"
@@ -16,7 +18,7 @@
 
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 class CTachyWrnBase : public CSerObject {
 public:
@@ -106,4 +108,4 @@ public:
     int16_t m_nPar25 = 1;
 };
 
-} // namespace vx
+} // namespace VX_API
