@@ -71,23 +71,19 @@ int ParseArgs(const Args &args, SerialArgs &out) {
     } else {
         out.port = PortOfName(port);
         if (out.port < 0)
-            return Fail("'" + port +
-                        "' is not a port: give COM1 to COM24 or a "
-                        "device path\n" +
-                        kUsage);
+            return Fail("'" + port + "' is not a port: give COM1 to COM24 or a device path");
         out.name = port + " (" +
                    static_cast<const char *>(vx::CCommunicatie::szGetDevicePath(out.port)) + ")";
     }
     for (size_t i = 1; i < args.size(); i += 2) {
+        if (args[i] != "--send" && args[i] != "--timeout")
+            return Fail("unknown option '" + args[i] + "'\n" + kUsage);
         if (i + 1 >= args.size()) return Fail("'" + args[i] + "' needs a value\n" + kUsage);
         if (args[i] == "--send") {
             out.send = true;
             out.line = args[i + 1] + kLineEnd;
-        } else if (args[i] == "--timeout") {
-            if (!ParseTimeout(args[i + 1], out.timeout))
-                return Fail("--timeout wants seconds from 0 to 3600, not '" + args[i + 1] + "'");
-        } else {
-            return Fail("unknown option '" + args[i] + "'\n" + kUsage);
+        } else if (!ParseTimeout(args[i + 1], out.timeout)) {
+            return Fail("--timeout wants seconds from 0 to 3600, not '" + args[i + 1] + "'");
         }
     }
     if (out.line.size() > static_cast<size_t>(SHRT_MAX)) return Fail("the line is too long");
