@@ -191,7 +191,16 @@ int RunSerial(const Args &args) {
     return rc;
 }
 
-const VxCommand g_serial("serial", kHelp, &RunSerial);
+const VxCommand g_serial(
+    "serial", kHelp, &RunSerial,
+    "Opens a serial port exclusively in raw 8-bit mode, sends one line followed by CR LF, and\n"
+    "prints the bytes that come back until the time-out has passed. PORT is COM1 to COM24 (the\n"
+    "devices /dev/ttyS0 to /dev/ttyS23) or a device path such as /dev/ttyUSB0. Ctrl-C breaks\n"
+    "off. Exits 2 on bad input and when the port is missing, busy or not a terminal; 1 when the\n"
+    "link fails or is broken off.\n"
+    "\n"
+    "  --send LINE    the line to send (without it, only listens)\n"
+    "  --timeout S    how long to listen, 0 to 3600 seconds (default 2)");
 
 } // namespace
 
