@@ -26,7 +26,8 @@ constexpr double d2Pi = 2.0 * std::numbers::pi;
 int nBoogDelen(const CBoogInfo &info, double dTol) {
     const double a = std::acos((info.m_dStraal - dTol) / info.m_dStraal);
     const double v = (d2Pi / a + 1.0) * (info.m_dSweep / d2Pi);
-    if (!(v >= 0.0 && v < 2147483648.0)) return 0;
+    constexpr double dInt32Grens = 0x1p31; // the first value a 32-bit integer cannot hold
+    if (!(v >= 0.0 && v < dInt32Grens)) return 0;
     return static_cast<unsigned short>(static_cast<int32_t>(v));
 }
 
@@ -47,12 +48,12 @@ void VoegBoogToe(CVXCoordArr &nieuw, const CVXCoord *const *boog, const CVXCoord
             CVXCoord p;
             p.Copy(info.m_Middelpunt.m_dX + info.m_dStraal * std::cos(h),
                    info.m_Middelpunt.m_dY + info.m_dStraal * std::sin(h), z);
-            p.SetSectie(0);
+            p.SetSectie(nSectieRecht);
             nieuw.Add(&p);
         }
     }
     const int nEind = nieuw.Add(&eind);
-    nieuw.GetAt(nEind)->SetSectie(0);
+    nieuw.GetAt(nEind)->SetSectie(nSectieRecht);
 }
 
 // Solves the natural spline's second derivatives for one axis (Thomas algorithm).
@@ -113,7 +114,7 @@ void CVXCoordArr::Circle2Arcs() {
     if (!bHalveSteunPunten(1, M1, M2)) return;
     InsertAt(3, &M2);
     for (int i = 1; i <= 4; ++i)
-        GetAt(i)->SetSectie(8);
+        GetAt(i)->SetSectie(nSectieBoog);
 }
 
 int CVXCoordArr::nCubSplin(int nI, double (*&pCoef)[4][2]) const {

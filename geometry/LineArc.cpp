@@ -21,11 +21,11 @@ CVXCoord *NieuwPunt(double x, double y) {
     return new CVXCoord(x, y);
 }
 
-// 2 or 3 when the point lies on the start or the end of a stretch, 0 otherwise.
+// Whether the point lies on the start or the end of a stretch, or on neither.
 int nOpEinde(const CVXCoord &pt, const CVXCoord &start, const CVXCoord &eind) {
-    if (pt.dDist(start) < dPuntTol) return 2;
-    if (pt.dDist(eind) < dPuntTol) return 3;
-    return 0;
+    if (pt.dDist(start) < dPuntTol) return CVXCoord::nLijnStart;
+    if (pt.dDist(eind) < dPuntTol) return CVXCoord::nLijnEind;
+    return CVXCoord::nLijnBuiten;
 }
 
 // Whether v lies between the two ends, inclusive; an axis along which the ends agree is not
@@ -37,9 +37,9 @@ bool bTussen(double v, double a, double b) {
 
 // The snap of the non-const point tests: a hit on an end makes the point a full copy of it.
 int nSnapOpEinde(CVXCoord &pt, int nRes, const CVXCoord &start, const CVXCoord &eind) {
-    if (nRes == 2)
+    if (nRes == CVXCoord::nLijnStart)
         pt.Copy(start);
-    else if (nRes == 3)
+    else if (nRes == CVXCoord::nLijnEind)
         pt.Copy(eind);
     return nRes;
 }
@@ -51,14 +51,14 @@ int nPuntOpBoogLichaam(const CVXCoord &pt, const CVXCoord *const *arc, bool bRec
     if (bRecht) {
         const CVXCoord *const eerste[2] = {arc[0], arc[1]};
         const CVXCoord *const tweede[2] = {arc[1], arc[2]};
-        return (pt.nPuntInLine(eerste, bGeenEinden) != 0 ||
-                pt.nPuntInLine(tweede, bGeenEinden) != 0)
-                   ? 1
-                   : 0;
+        return (pt.nPuntInLine(eerste, bGeenEinden) != CVXCoord::nLijnBuiten ||
+                pt.nPuntInLine(tweede, bGeenEinden) != CVXCoord::nLijnBuiten)
+                   ? CVXCoord::nLijnBinnen
+                   : CVXCoord::nLijnBuiten;
     }
     const int s = CVXCoord::nBoogRichting(*arc[0], pt, *arc[2]);
-    if (s == 0) return 1;
-    return s == nRichting ? 1 : 0;
+    if (s == 0) return CVXCoord::nLijnBinnen;
+    return s == nRichting ? CVXCoord::nLijnBinnen : CVXCoord::nLijnBuiten;
 }
 
 } // namespace
@@ -106,7 +106,7 @@ CBoogInfo::CBoogInfo(const CVXCoord *const *pts) {
     if (!m_bGeldig) return;
     m_dStartHoek = m_Middelpunt.dHoek(*pts[0]);
     m_dEindHoek = m_Middelpunt.dHoek(*pts[2]);
-    if (pts[1]->m_nSectie == 7) {
+    if (pts[1]->m_nSectie == nSectieCirkel) {
         m_dSweep = d2Pi;
         return;
     }
@@ -158,15 +158,15 @@ int CVXCoord::nSnijLijn(const CVXCoord &A, const CVXCoord &B, const CVXCoord &C,
     const double num = wy * vx - wx * vy;
     const double absDet = std::fabs(det), absNum = std::fabs(num);
     if (absDet < 1.0) {
-        if (absDet * dParallelFactor < absNum) return 0;
+        if (absDet * dParallelFactor < absNum) return nSnijGeen;
         if (absNum < dSnijTol && absDet < dSnijTol) {
             const bool bLeeg = (ux == 0.0 && uy == 0.0) || (vx == 0.0 && vy == 0.0);
-            return bLeeg ? 0 : 2;
+            return bLeeg ? nSnijGeen : nSnijSamen;
         }
     }
     const double t = num / det;
     SetXY(A.m_dX + t * ux, A.m_dY + t * uy);
-    return 1;
+    return nSnijPunten;
 }
 
 int CVXCoord::nSnijLijn(const CVXCoord *const *line1, const CVXCoord *const *line2) {
@@ -184,7 +184,7 @@ bool CVXCoord::bLijnBoogSnij(CVXCoord **p1, CVXCoord **p2, const CVXCoord *const
     if (!C.BoogPar(r, nRichting, arc)) {
         // A bad arc counts as its chord.
         auto *pS = new CVXCoord();
-        if (pS->nSnijLijn(*line[0], *line[1], *arc[0], *arc[2]) == 1) {
+        if (pS->nSnijLijn(*line[0], *line[1], *arc[0], *arc[2]) == nSnijPunten) {
             *p1 = pS;
             return true;
         }
@@ -236,26 +236,26 @@ int CVXCoord::nBoogBoogSnij(CVXCoord **p1, CVXCoord **p2, const CVXCoord *const 
     // A bad arc counts as its chord.
     if (!bGeldig1) {
         const CVXCoord *const koorde[2] = {arc1[0], arc1[2]};
-        return bLijnBoogSnij(p1, p2, koorde, arc2) ? 1 : 0;
+        return bLijnBoogSnij(p1, p2, koorde, arc2) ? nSnijPunten : nSnijGeen;
     }
     if (!bGeldig2) {
         const CVXCoord *const koorde[2] = {arc2[0], arc2[2]};
-        return bLijnBoogSnij(p1, p2, koorde, arc1) ? 1 : 0;
+        return bLijnBoogSnij(p1, p2, koorde, arc1) ? nSnijPunten : nSnijGeen;
     }
     *p1 = *p2 = nullptr;
     const C2DVector V = C2 - C1;
     const double d2 = V.dKwadraat();
     const double somR2 = (r1 + r2) * (r1 + r2);
     const double verschilR2 = (r1 - r2) * (r1 - r2);
-    if (d2 > somR2 || d2 < verschilR2) return 0;
+    if (d2 > somR2 || d2 < verschilR2) return nSnijGeen;
     if (std::fabs(d2 - somR2) < dRaakTol) {
         *p1 = NieuwPunt(C1.m_dX + V.m_dX * r1 / (r1 + r2), C1.m_dY + V.m_dY * r1 / (r1 + r2));
-        return 1;
+        return nSnijPunten;
     }
     if (std::fabs(d2 - verschilR2) < dRaakTol) {
-        if (verschilR2 < dRaakTol) return 2;
+        if (verschilR2 < dRaakTol) return nSnijSamen;
         *p1 = NieuwPunt(C1.m_dX + V.m_dX * r1 / (r1 - r2), C1.m_dY + V.m_dY * r1 / (r1 - r2));
-        return 1;
+        return nSnijPunten;
     }
     const double d = std::sqrt(d2);
     const double ex = V.m_dX / d, ey = V.m_dY / d;
@@ -266,12 +266,12 @@ int CVXCoord::nBoogBoogSnij(CVXCoord **p1, CVXCoord **p2, const CVXCoord *const 
                     u"%8.3f,%8.3f en %8.3f,%8.3f",
                     arc1[0]->m_dX, arc1[0]->m_dY, arc2[0]->m_dX, arc2[0]->m_dY);
         LogToHost(kLogInfo, text);
-        return 0;
+        return nSnijGeen;
     }
     const double h = std::sqrt(r1 * r1 - a * a);
     *p1 = NieuwPunt(C1.m_dX + (a * ex - h * ey), C1.m_dY + (a * ey + h * ex));
     *p2 = NieuwPunt(C1.m_dX + (a * ex + h * ey), C1.m_dY + (a * ey - h * ex));
-    return 1;
+    return nSnijPunten;
 }
 
 bool CVXCoord::bBoogBoog2Snij(CVXCoord **p1, CVXCoord **p2, const CVXCoord *const *arc1,
@@ -279,7 +279,7 @@ bool CVXCoord::bBoogBoog2Snij(CVXCoord **p1, CVXCoord **p2, const CVXCoord *cons
     // Kept on purpose: the code is read the other way round from bLijnBoog2Snij, so a found
     // solution gives false (the points stay with the caller) and the answer is practically
     // always false. Exported as it has always behaved.
-    if (nBoogBoogSnij(p1, p2, arc1, arc2) != 0) return false;
+    if (nBoogBoogSnij(p1, p2, arc1, arc2) != nSnijGeen) return false;
     return *p2 != nullptr;
 }
 
@@ -311,11 +311,11 @@ int CVXCoord::nPuntInLine(const CVXCoord *const *line, bool bGeenEinden) const {
     const CVXCoord &B = *line[1];
     if (!bGeenEinden) {
         const int nEinde = nOpEinde(*this, A, B);
-        if (nEinde != 0) return nEinde;
+        if (nEinde != nLijnBuiten) return nEinde;
     }
     // No collinearity test: the point is known to lie on the carrier.
-    if (!bTussen(m_dX, A.m_dX, B.m_dX) || !bTussen(m_dY, A.m_dY, B.m_dY)) return 0;
-    return 1;
+    if (!bTussen(m_dX, A.m_dX, B.m_dX) || !bTussen(m_dY, A.m_dY, B.m_dY)) return nLijnBuiten;
+    return nLijnBinnen;
 }
 
 int CVXCoord::nPuntInLine(const CVXCoord *const *line, bool bGeenEinden) {
@@ -326,10 +326,10 @@ int CVXCoord::nPuntInLine(const CVXCoord *const *line, bool bGeenEinden) {
 int CVXCoord::nPuntInSpline(const CVXCoord *const *line, bool bGeenEinden) const {
     if (!bGeenEinden) {
         const int nEinde = nOpEinde(*this, *line[0], *line[1]);
-        if (nEinde != 0) return nEinde;
+        if (nEinde != nLijnBuiten) return nEinde;
     }
     // Without a notion of the curve, every other point is taken to lie on it.
-    return 1;
+    return nLijnBinnen;
 }
 
 int CVXCoord::nPuntInSpline(const CVXCoord *const *line, bool bGeenEinden) {
@@ -345,7 +345,7 @@ int CVXCoord::nPuntInBoog(const CVXCoord *const *arc, bool bGeenEinden) const {
     const bool bRecht = !C.BoogPar(r, nRichting, arc);
     if (!bGeenEinden) {
         const int nEinde = nOpEinde(*this, *arc[0], *arc[2]);
-        if (nEinde != 0) return nEinde;
+        if (nEinde != nLijnBuiten) return nEinde;
     }
     return nPuntOpBoogLichaam(*this, arc, bRecht, nRichting, bGeenEinden);
 }
@@ -355,7 +355,7 @@ int CVXCoord::nPuntInBoog(const CVXCoord *const *arc, bool bGeenEinden) {
     const int nRichting = nBoogRichting(arc);
     if (!bGeenEinden) {
         const int nEinde = nOpEinde(*this, *arc[0], *arc[2]);
-        if (nEinde != 0) return nSnapOpEinde(*this, nEinde, *arc[0], *arc[2]);
+        if (nEinde != nLijnBuiten) return nSnapOpEinde(*this, nEinde, *arc[0], *arc[2]);
     }
     return nPuntOpBoogLichaam(*this, arc, nRichting == 0, nRichting, bGeenEinden);
 }
@@ -375,24 +375,28 @@ bool CVXCoordArr::bPuntInLijnDeel(const CVXCoord &pt, int i, LijnTestModus modus
     }
     // With ends: any hit. Without: only the inside; with ends not looked at, an end point
     // already reads as inside.
-    return modus == nMetEinden ? r != 0 : r == 1;
+    return modus == nMetEinden ? r != CVXCoord::nLijnBuiten : r == CVXCoord::nLijnBinnen;
 }
 
 int CVXCoordArr::nSnij(CVXCoord **p1, CVXCoord **p2, const CVXCoordArr &other, int i, int j) const {
     *p1 = *p2 = nullptr;
-    if (dLijnLengte(i) < dPuntTol || other.dLijnLengte(j) < dPuntTol) return 0;
+    if (dLijnLengte(i) < dPuntTol || other.dLijnLengte(j) < dPuntTol) return CVXCoord::nSnijGeen;
     const bool bKrom1 = bCirkelKromme(i);
     const bool bKrom2 = other.bCirkelKromme(j);
     const CVXCoord *const deel1[3] = {&Pt(i), &Pt(i + 1), bKrom1 ? &Pt(i + 2) : nullptr};
     const CVXCoord *const deel2[3] = {&other.Pt(j), &other.Pt(j + 1),
                                       bKrom2 ? &other.Pt(j + 2) : nullptr};
     if (bKrom1 && bKrom2) return CVXCoord::nBoogBoogSnij(p1, p2, deel1, deel2);
-    if (bKrom1) return CVXCoord::bLijnBoogSnij(p1, p2, deel2, deel1) ? 1 : 0;
-    if (bKrom2) return CVXCoord::bLijnBoogSnij(p1, p2, deel1, deel2) ? 1 : 0;
+    if (bKrom1)
+        return CVXCoord::bLijnBoogSnij(p1, p2, deel2, deel1) ? CVXCoord::nSnijPunten
+                                                             : CVXCoord::nSnijGeen;
+    if (bKrom2)
+        return CVXCoord::bLijnBoogSnij(p1, p2, deel1, deel2) ? CVXCoord::nSnijPunten
+                                                             : CVXCoord::nSnijGeen;
     // Both straight; a spline stretch counts as its chord.
     auto *pS = new CVXCoord();
     const int nRes = pS->nSnijLijn(deel1, deel2);
-    if (nRes == 1)
+    if (nRes == CVXCoord::nSnijPunten)
         *p1 = pS;
     else
         delete pS;
@@ -405,7 +409,7 @@ namespace {
 int nBoogAlsOverlap(CVXCoord **p1, CVXCoord **p2, const CVXCoordArr &lijn, int k) {
     *p1 = new CVXCoord(lijn.Pt(k));
     *p2 = new CVXCoord(lijn.Pt(k + 2));
-    return 15;
+    return CVXCoordArr::nMaskerOverlap;
 }
 
 } // namespace
@@ -413,26 +417,26 @@ int nBoogAlsOverlap(CVXCoord **p1, CVXCoord **p2, const CVXCoordArr &lijn, int k
 int CVXCoordArr::nSnijInLijnDeel(CVXCoord **p1, CVXCoord **p2, const CVXCoordArr &other, int i,
                                  int j, bool bBeide, LijnTestModus modus) const {
     const int nRes = nSnij(p1, p2, other, i, j);
-    if (nRes == 1) {
+    if (nRes == CVXCoord::nSnijPunten) {
         int nMasker = 0;
-        if (*p1 && bPuntInLijnDeel(**p1, i, modus)) nMasker |= 1;
-        if (*p2 && bPuntInLijnDeel(**p2, i, modus)) nMasker |= 2;
+        if (*p1 && bPuntInLijnDeel(**p1, i, modus)) nMasker |= nMasker1Hier;
+        if (*p2 && bPuntInLijnDeel(**p2, i, modus)) nMasker |= nMasker2Hier;
         if (bBeide) {
-            if (*p1 && other.bPuntInLijnDeel(**p1, j, modus)) nMasker |= 4;
-            if (*p2 && other.bPuntInLijnDeel(**p2, j, modus)) nMasker |= 8;
+            if (*p1 && other.bPuntInLijnDeel(**p1, j, modus)) nMasker |= nMasker1Daar;
+            if (*p2 && other.bPuntInLijnDeel(**p2, j, modus)) nMasker |= nMasker2Daar;
         }
         // The points stay with the caller, also with a mask of 0.
         return nMasker;
     }
-    if (nRes != 2) {
+    if (nRes != CVXCoord::nSnijSamen) {
         delete *p1;
         delete *p2;
         *p1 = *p2 = nullptr;
-        return 0;
+        return nMaskerGeen;
     }
     // The carriers coincide: the overlap of the two stretches.
     const bool bCirkel1 = bCirkel(), bCirkel2 = other.bCirkel();
-    if (bCirkel1 && bCirkel2) return 0;
+    if (bCirkel1 && bCirkel2) return nMaskerGeen;
     if (bCirkel1) {
         VX_ASSERT_TEXT(other.bBoog(j), "Punten.bBoog(nJ)");
         return nBoogAlsOverlap(p1, p2, other, j);
@@ -448,27 +452,28 @@ int CVXCoordArr::nSnijInLijnDeel(CVXCoord **p1, CVXCoord **p2, const CVXCoordArr
     const CVXCoord &q4 = Pt(nNextLinePart(i));
     const bool b[4] = {bPuntInLijnDeel(q1, i, modus), bPuntInLijnDeel(q2, i, modus),
                        other.bPuntInLijnDeel(q3, j, modus), other.bPuntInLijnDeel(q4, j, modus)};
-    if (!b[0] && !b[1] && !b[2] && !b[3]) return 0;
+    if (!b[0] && !b[1] && !b[2] && !b[3]) return nMaskerGeen;
     *p1 = new CVXCoord();
     *p2 = new CVXCoord();
     const CVXCoord *const q[4] = {&q1, &q2, &q3, &q4};
+    constexpr int kStartHier = 2; // q3, the start of this line's stretch
     bool bEerste = true;
     for (int k = 0; k < 4; ++k) {
         if (!b[k]) continue;
         // The start of this stretch is not taken twice when it is already the first point.
-        if (k == 2 && !bEerste && (*p1)->dDist(*q[k]) < dPuntTol) continue;
+        if (k == kStartHier && !bEerste && (*p1)->dDist(*q[k]) < dPuntTol) continue;
         if (bEerste) {
             (*p1)->Copy(*q[k]);
             bEerste = false;
         } else {
             (*p2)->Copy(*q[k]);
-            return 15;
+            return nMaskerOverlap;
         }
     }
     // One touching point on both.
     delete *p2;
     *p2 = nullptr;
-    return 5;
+    return nMaskerRaak;
 }
 
 int CVXCoordArr::nSnijInLijnDeel(CVXCoord **p1, CVXCoord **p2, const CVXCoordArr &other, int i,

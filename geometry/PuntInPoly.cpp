@@ -115,7 +115,7 @@ bool bRechteStap(const CVXCoordArr &arr, int i, const CVXCoord &punt, double &dS
 }
 
 Stap VolgendeStap(const CVXCoordArr &arr, int i, const CVXCoord &punt, double &dSom) {
-    if (i + 2 < arr.GetSize() && arr.Pt(i + 1).m_nSectie == 8)
+    if (i + 2 < arr.GetSize() && arr.Pt(i + 1).m_nSectie == nSectieBoog)
         return {bBoogStap(arr, i, punt, dSom), i + 2};
     return {bRechteStap(arr, i, punt, dSom), i + 1};
 }
@@ -134,7 +134,7 @@ PuntInPolyRes CVXCoordArr::PuntInPolygoon(const CVXCoord &Punt) const {
     const int n = GetSize();
     // Not in the walk below: an empty sequence has no point 0 to compare with.
     if (n == 0) return PuntInPolyRes{};
-    if (n > 2 && Pt(1).m_nSectie == 7) return CirkelRes(*this, Punt);
+    if (n > 2 && Pt(1).m_nSectie == nSectieCirkel) return CirkelRes(*this, Punt);
     if (bBij(Punt, Pt(0))) return resOp;
     double dSom = 0.0;
     // No closing stretch is added: an open sequence is summed as it stands.

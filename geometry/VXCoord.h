@@ -24,6 +24,17 @@ namespace vx VX_API {
 
 class CVXCoordArr;
 
+// The section codes of m_nSectie: how a point joins its predecessor in a line (CVXCoordArr).
+enum SectieCode : int {
+    nSectieRecht = 0,  // straight from the previous point
+    nSectieStart = 1,  // start of a line; also the code of a new point
+    nSectieRecht2 = 2, // straight, of the second kind; counts as straight everywhere
+    nSectieSpline = 6, // on a spline through a run of such points
+    nSectieCirkel = 7, // the whole line is one circle
+    nSectieBoog = 8,   // support or end point of an arc
+    nSectieDwang = 9   // forced point: a passing state that no valid line holds
+};
+
 class CVXCoord : public CSerObject {
     VX_DECLARE_SERIAL(CVXCoord)
 public:
@@ -164,6 +175,9 @@ public:
     // Circles and intersections (geometry/LineArc.cpp).
     bool bMiddelPunt(const CVXCoord *const *pts);
     bool BoogPar(double &r, short &nRichting, const CVXCoord *const *pts);
+    // The answers of the intersections of carriers (nSnijLijn, nBoogBoogSnij, nSnij): no
+    // solution, solutions found, or the carriers coincide.
+    enum SnijRes : int { nSnijGeen = 0, nSnijPunten = 1, nSnijSamen = 2 };
     int nSnijLijn(const CVXCoord &A, const CVXCoord &B, const CVXCoord &C, const CVXCoord &D);
     int nSnijLijn(const CVXCoord *const *line1, const CVXCoord *const *line2);
     static bool bLijnBoogSnij(CVXCoord **p1, CVXCoord **p2, const CVXCoord *const *line,
@@ -176,8 +190,9 @@ public:
                                const CVXCoord *const *arc2);
     bool bBogenSnijpunt(const CVXCoord &A, const CVXCoord &B, double rA, double rB, bool bMin);
     static bool bRaaklijn(CVXCoord **pp, const CVXCoord *const *pts, double d);
-    // Where a point known to lie on the carrier falls: 0 outside, 1 inside, 2 on the start,
-    // 3 on the end. The non-const forms snap this point on to the end it hits.
+    // Where a point known to lie on the carrier falls (PuntInLijn): outside, inside, on the
+    // start, on the end. The non-const forms snap this point on to the end it hits.
+    enum PuntInLijn : int { nLijnBuiten = 0, nLijnBinnen = 1, nLijnStart = 2, nLijnEind = 3 };
     int nPuntInLine(const CVXCoord *const *line, bool bGeenEinden) const;
     int nPuntInLine(const CVXCoord *const *line, bool bGeenEinden);
     int nPuntInSpline(const CVXCoord *const *line, bool bGeenEinden) const;

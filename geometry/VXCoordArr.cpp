@@ -23,7 +23,7 @@ namespace {
 constexpr double d2Pi = 2.0 * std::numbers::pi;
 
 bool bRecht(int nCode) {
-    return nCode == 0 || nCode == 2;
+    return nCode == nSectieRecht || nCode == nSectieRecht2;
 }
 
 // Stands in for a null slot read through the const accessors, so that a broken line yields
@@ -120,10 +120,10 @@ void CVXCoordArr::InsertAt(int i, const CVXCoordArr *other) {
     }
     const int n = other->GetSize();
     // The point behind the seam joins straight, so the line stays one line.
-    if (i == 0 && GetSize() > 0 && n > 0) GetAt(0)->SetSectie(0);
+    if (i == 0 && GetSize() > 0 && n > 0) GetAt(0)->SetSectie(nSectieRecht);
     for (int k = 0; k < n; ++k)
         InsertAt(i + k, &other->Pt(k));
-    if (i != 0 && n > 0) GetAt(i)->SetSectie(0);
+    if (i != 0 && n > 0) GetAt(i)->SetSectie(nSectieRecht);
     m_bGewijzigd = true;
 }
 
@@ -265,26 +265,26 @@ bool CVXCoordArr::bRechte(int i) const {
 }
 
 bool CVXCoordArr::bBoog(int i) const {
-    return i + 2 < GetSize() && i != -2 && nSectieVan(i + 1) == 8;
+    return i + 2 < GetSize() && i != -2 && nSectieVan(i + 1) == nSectieBoog;
 }
 
 bool CVXCoordArr::bSpline(int i) const {
-    return i + 1 < GetSize() && i != -1 && nSectieVan(i + 1) == 6;
+    return i + 1 < GetSize() && i != -1 && nSectieVan(i + 1) == nSectieSpline;
 }
 
 bool CVXCoordArr::bCirkel() const {
-    return GetSize() >= 3 && nSectieVan(1) == 7;
+    return GetSize() >= 3 && nSectieVan(1) == nSectieCirkel;
 }
 
 bool CVXCoordArr::bCirkelKromme(int i) const {
     if (i + 2 >= GetSize()) return false;
     const int nCode = nSectieVan(i + 1);
-    return nCode == 8 || nCode == 7;
+    return nCode == nSectieBoog || nCode == nSectieCirkel;
 }
 
 bool CVXCoordArr::bAlleSectiesLijn() const {
     for (int i = 0; i < GetSize(); ++i)
-        if (nSectieVan(i) > 2) return false;
+        if (nSectieVan(i) > nSectieRecht2) return false;
     return true;
 }
 
@@ -312,7 +312,7 @@ int CVXCoordArr::nNextLinePart(int i) const {
 
 int CVXCoordArr::nPrevLinePart(int i) const {
     if (i == 0) return -1;
-    if (i + 1 < GetSize() && i + 1 != 0 && nSectieVan(i) == 8) return i - 2;
+    if (i + 1 < GetSize() && i + 1 != 0 && nSectieVan(i) == nSectieBoog) return i - 2;
     if (bCirkel()) return 0;
     return i - 1;
 }
@@ -320,21 +320,21 @@ int CVXCoordArr::nPrevLinePart(int i) const {
 int CVXCoordArr::nStartDeel(int i) const {
     const int nCode = nSectieVan(i);
     switch (nCode) {
-    case 0:
-    case 2:
+    case nSectieRecht:
+    case nSectieRecht2:
         return i - 1;
-    case 1:
-    case 7:
+    case nSectieStart:
+    case nSectieCirkel:
         return 0;
-    case 6: {
+    case nSectieSpline: {
         int j = i;
-        while (j >= 0 && nSectieVan(j) == 6)
+        while (j >= 0 && nSectieVan(j) == nSectieSpline)
             --j;
         return j;
     }
-    case 8: {
+    case nSectieBoog: {
         int j = i;
-        while (j >= 0 && nSectieVan(j) == 8)
+        while (j >= 0 && nSectieVan(j) == nSectieBoog)
             --j;
         // The 8s pair up by parity from the start of their run.
         return (i - j) % 2 == 0 ? i - 2 : i - 1;
@@ -347,7 +347,7 @@ int CVXCoordArr::nStartDeel(int i) const {
 
 int CVXCoordArr::nTelSplinePunten(int i) const {
     int n = 0;
-    for (int k = i + 1; k < GetSize() && nSectieVan(k) == 6; ++k)
+    for (int k = i + 1; k < GetSize() && nSectieVan(k) == nSectieSpline; ++k)
         ++n;
     return n;
 }
@@ -445,8 +445,8 @@ double CVXCoordArr::dLengte() const {
     while (i < GetSize() - 1) {
         dSom += dLijnLengte(i);
         const int nCode = nSectieVan(i + 1);
-        if (nCode == 7) break;
-        i += nCode == 8 ? 2 : 1;
+        if (nCode == nSectieCirkel) break;
+        i += nCode == nSectieBoog ? 2 : 1;
     }
     return dSom;
 }
@@ -564,7 +564,7 @@ void CVXCoordArr::DraaiRichting() {
     if (n == 0) return;
     for (int i = 0; i < n - 1; ++i)
         GetAt(i)->SetSectie(static_cast<char>(nSectieVan(i + 1)));
-    GetAt(n - 1)->SetSectie(1);
+    GetAt(n - 1)->SetSectie(nSectieStart);
     for (int i = 0, j = n - 1; i < j; ++i, --j) {
         CVXCoord *p = Base::GetAt(i);
         Base::SetAt(i, Base::GetAt(j));

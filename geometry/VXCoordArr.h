@@ -117,6 +117,22 @@ public:
     void DraaiRichting();
 
     // ---- intersection per stretch (geometry/LineArc.cpp) ---------------------------------------
+    // The mask of nSnijInLijnDeel: which solution lies on which stretch. Solution 1 and 2 on
+    // this line's stretch, then on the other's; a common point of both stretches has its two
+    // bits together. nMaskerOverlap is two common points (in coincidence: the overlap runs
+    // between them), nMaskerRaak one touching point on both.
+    enum SnijMasker : int {
+        nMaskerGeen = 0,
+        nMasker1Hier = 1,
+        nMasker2Hier = 2,
+        nMasker1Daar = 4,
+        nMasker2Daar = 8,
+        nMaskerEerste = nMasker1Hier | nMasker1Daar,
+        nMaskerTweede = nMasker2Hier | nMasker2Daar,
+        nMaskerRaak = nMaskerEerste,
+        nMaskerOverlap = nMaskerEerste | nMaskerTweede
+    };
+
     bool bPuntInLijnDeel(const CVXCoord &pt, int i, LijnTestModus modus = nMetEinden) const;
     int nSnij(CVXCoord **p1, CVXCoord **p2, const CVXCoordArr &other, int i, int j) const;
     int nSnijInLijnDeel(CVXCoord **p1, CVXCoord **p2, const CVXCoordArr &other, int i, int j,
