@@ -154,6 +154,19 @@ public:
     PuntInPolyRes LijnInPolygoon(const CVXCoordArr &Lijn, bool bVolledig) const;
     short nPuntArrBinnenPuntArr(const CVXCoordArr &Poly) const;
 
+    // ---- section and line checks (geometry/SectieCheck.cpp) -----------------------------------
+    // -1 (0xffffffff unsigned) when the section codes follow the grammar, otherwise the index of
+    // the first point at which it breaks. The line must have a point.
+    int nSectieOnlyTest2() const;
+    // As nSectieOnlyTest2; with valid codes also the first of two bGelijk neighbours.
+    int nSectieTest2() const;
+    // Whether the stretches from nI on form a plausible chain of arcs and short chords; nI is left
+    // at the stretch that fails, or past the last one.
+    bool bCheckLinesArcs(int &nI, double dMaxKoorde, double dGrens, double dMaxR,
+                         double dMinVerhouding, double dMaxLengte, int nMaxRechten) const;
+    // Whether a straight stretch or an arc occurs twice, forward or backward.
+    bool BevatIdentiekeLijndelen() const;
+
     // ---- shape generators ---------------------------------------------------------------------
     bool bArcsToLines(double dTol);
     void Circle2Arcs();
@@ -174,6 +187,11 @@ protected:
 
 private:
     int nSectieVan(int i) const { return Pt(i).m_nSectie; }
+    // The cheap straight-line self-crossing test: points only, arcs by their chords through the
+    // support point. The last stretch is never tested (see the source).
+    bool SnijdtZichzelfSimple() const;
+    // Whether straight stretch nI of this line and nJ of Punten cross, by orientation alone.
+    bool SnijRechten(const CVXCoordArr &Punten, int nI, int nJ) const;
     CVXCoord *Kloon(const CVXCoord *p) const;
 };
 
