@@ -42,6 +42,7 @@
 #include "geometry/LineArc.h"
 #include "geometry/PuntInPoly.h"
 #include "geometry/Tolerances.h"
+#include "geometry/Trace.h"
 #include "geometry/VXCoord.h"
 #include "geometry/VXCoordArr.h"
 

@@ -2,6 +2,7 @@
 
 #include "geometry/LineArc.h"
 #include "geometry/Tolerances.h"
+#include "geometry/Trace.h"
 #include "platform/Assert.h"
 
 #include <cmath>
@@ -178,6 +179,35 @@ short CVXCoordArr::nPuntArrBinnenPuntArr(const CVXCoordArr &Poly) const {
     // Kept on purpose: bOp is read first, so a line that starts on the boundary and goes on
     // inside answers 0, not 1; callers rely on that early stop leaving both flags set.
     return nAlsGetal(Poly.LijnInPolygoon(*this, false));
+}
+
+namespace {
+
+KlokRichting RichtingVan(double dS) {
+    if (dS < 0.0) return KlokMee;
+    if (dS > 0.0) return KlokTegen;
+    return KlokOnbepaald;
+}
+
+// Twice the signed area of the raw points, the last taken to repeat the first.
+double dRuweSom(const CVXCoordArr &arr) {
+    const int n = arr.GetSize();
+    double dS = arr.Pt(0).m_dX * (arr.Pt(1).m_dY - arr.Pt(n - 2).m_dY);
+    for (int i = 1; i <= n - 2; ++i)
+        dS += arr.Pt(i).m_dX * (arr.Pt(i + 1).m_dY - arr.Pt(i - 1).m_dY);
+    return dS;
+}
+
+} // namespace
+
+KlokRichting CVXCoordArr::Draairichting() const {
+    constexpr int nMinPunten = 3;
+    if (GetSize() < nMinPunten) return KlokOnbepaald;
+    if (!SnijdtZichzelfSimple()) return RichtingVan(dRuweSom(*this));
+    GeometryTrace("NonSimple polygon");
+    double dOpp = 0.0;
+    if (!bOppervlakNoAbs(&dOpp)) return KlokOnbepaald;
+    return RichtingVan(dOpp);
 }
 
 } // namespace vx

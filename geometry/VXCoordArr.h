@@ -22,6 +22,7 @@ namespace vx VX_API {
 
 class CExtents;
 struct PuntInPolyRes;
+enum KlokRichting : int32_t;
 
 class CVXCoordArr : public CTypedPtrArray<CSerObArray, CVXCoord *> {
     using Base = CTypedPtrArray<CSerObArray, CVXCoord *>;
@@ -153,6 +154,9 @@ public:
     short nPuntInPuntArr(const CVXCoord &Punt) const;
     PuntInPolyRes LijnInPolygoon(const CVXCoordArr &Lijn, bool bVolledig) const;
     short nPuntArrBinnenPuntArr(const CVXCoordArr &Poly) const;
+    // The turning sense, from the raw points (arc middles count as vertices); a sequence that
+    // crosses itself goes by its signed area and writes "NonSimple polygon" to the trace.
+    KlokRichting Draairichting() const;
 
     // ---- section and line checks (geometry/SectieCheck.cpp) -----------------------------------
     // -1 (0xffffffff unsigned) when the section codes follow the grammar, otherwise the index of
