@@ -37,6 +37,7 @@
 #include "persist/XmlWriter.h"
 
 // geometry: coordinates, point sequences, intersections, extents
+#include "geometry/ClipList.h"
 #include "geometry/Deel.h"
 #include "geometry/Extents.h"
 #include "geometry/LineArc.h"

@@ -23,6 +23,8 @@ namespace vx VX_API {
 class CExtents;
 struct PuntInPolyRes;
 enum KlokRichting : int32_t;
+class CClipsnijpuntList;
+enum SnijMode : int;
 
 class CVXCoordArr : public CTypedPtrArray<CSerObArray, CVXCoord *> {
     using Base = CTypedPtrArray<CSerObArray, CVXCoord *>;
@@ -170,6 +172,40 @@ public:
                          double dMinVerhouding, double dMaxLengte, int nMaxRechten) const;
     // Whether a straight stretch or an arc occurs twice, forward or backward.
     bool BevatIdentiekeLijndelen() const;
+
+    // ---- the clip list and self-intersection (geometry/SnijLijn.cpp) --------------------------
+    // Collects every point where a stretch of this line (A) meets a stretch of Punten (B), in the
+    // order of discovery. bMetDozen skips pairs of stretches whose boxes, grown by the tolerance,
+    // do not meet; the list comes out the same (the default); false compares every pair.
+    void VerzamelClipLijst(const CVXCoordArr &Punten, CClipsnijpuntList &Lijst) const;
+    void VerzamelClipLijst(const CVXCoordArr &Punten, CClipsnijpuntList &Lijst,
+                           bool bMetDozen) const;
+    // Stretch nI against its successor; the points are new heap objects the caller deletes.
+    bool bSnijOpeenvolgende(int nI, CVXCoord **pSnij1, CVXCoord **pSnij2, SnijMode nMode) const;
+    bool bSnijOpeenvolgende(int nI, SnijMode nMode) const;
+    // Two non-adjacent stretches, nI of this line and nJ of Punten.
+    bool bSnijdenDelen(const CVXCoordArr &Punten, int nI, int nJ, CVXCoord **pSnij1,
+                       CVXCoord **pSnij2) const;
+    bool bSnijdenDelen(const CVXCoordArr &Punten, int nI, int nJ) const;
+    // The first stretch that meets another one of this line, or -1.
+    int nSnijdZichzelf2(CVXCoord **pSnij1, CVXCoord **pSnij2, SnijMode nMode) const;
+    int nSnijdZichzelf2(SnijMode nMode) const;
+    // Whether any stretch of this line crosses one of Punten (common points inside both).
+    bool SnijdLijn(const CVXCoordArr &Punten) const;
+    // Inserts the crossings with Punten as vertices in both lines (the const form: in Punten
+    // only); false when the lines do not meet.
+    bool SnijLijn(CVXCoordArr &Punten, bool bCopy);
+    bool SnijLijn(CVXCoordArr &Punten, bool bCopy) const;
+    // Inserts the points of an open chain of the list, from its tail, with nInsertInLine.
+    void InsertSnijpunten(int nMode, CClipsnijpuntList &Lijst, bool bCopy);
+    // Replaces a self-crossing closed line by its largest simple loop.
+    void MakeSimple();
+
+    // ---- line editing (geometry/InsertInLine.cpp) ---------------------------------------------
+    // Inserts a point in stretch nI, keeping the section coding valid; returns its index. A
+    // vertex of the stretch within dKopieTol is taken instead (with bCopy it takes the point
+    // over but keeps its section code).
+    int nInsertInLine(const CVXCoord &Punt, int nI, bool bCopy);
 
     // ---- shape generators ---------------------------------------------------------------------
     bool bArcsToLines(double dTol);
