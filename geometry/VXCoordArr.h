@@ -21,6 +21,7 @@
 namespace vx VX_API {
 
 class CExtents;
+class CGridDef;
 struct PuntInPolyRes;
 enum KlokRichting : int32_t;
 class CClipsnijpuntList;
@@ -208,6 +209,11 @@ public:
     int nInsertInLine(const CVXCoord &Punt, int nI, bool bCopy);
 
     // ---- shape generators ---------------------------------------------------------------------
+    // Turns a rough outline into a right-angled one (geometry/ShapeGen.cpp).
+    void Square();
+    // Removes middle points of straight runs and, with bBogen, flat arcs, closer than dTol to
+    // their chord; with a grid, only points on a grid line are removed.
+    void RemoveColinear(double dTol, bool bBogen, CGridDef *pGrid);
     bool bArcsToLines(double dTol);
     void Circle2Arcs();
     bool CreeerCentroide(CVXCoord &Punt) const;
@@ -227,6 +233,11 @@ protected:
 
 private:
     int nSectieVan(int i) const { return Pt(i).m_nSectie; }
+    // Whether the points from nVan to nTot may be taken as one arc.
+    bool VoldoetBoogDeel(int nVan, int nTot, double dAfstandTol, double dLengteTol,
+                         double dMaxR) const;
+    // The tests reach the private checks through this class of their own.
+    friend class CVXCoordArrTestToegang;
     // The cheap straight-line self-crossing test: points only, arcs by their chords through the
     // support point. The last stretch is never tested (see the source).
     bool SnijdtZichzelfSimple() const;

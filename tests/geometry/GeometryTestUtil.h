@@ -10,6 +10,23 @@
 #include <string>
 #include <vector>
 
+namespace vx {
+
+// The tests' way to the private checks of CVXCoordArr.
+class CVXCoordArrTestToegang {
+public:
+    static bool SnijdtZichzelfSimple(const CVXCoordArr &arr) { return arr.SnijdtZichzelfSimple(); }
+    static bool SnijRechten(const CVXCoordArr &arr, const CVXCoordArr &Punten, int nI, int nJ) {
+        return arr.SnijRechten(Punten, nI, nJ);
+    }
+    static bool VoldoetBoogDeel(const CVXCoordArr &arr, int nVan, int nTot, double dAfstandTol,
+                                double dLengteTol, double dMaxR) {
+        return arr.VoldoetBoogDeel(nVan, nTot, dAfstandTol, dLengteTol, dMaxR);
+    }
+};
+
+} // namespace vx
+
 namespace vxtest {
 
 // Collects the assertion reports raised while it lives.
