@@ -32,39 +32,22 @@ struct Uitkomst {
     bool bLaatsteMag;           // at the last point: stop (true) or error (false)
 };
 
-// Ends the run with a valid line: the result becomes -1.
-class CStopMaar : public CSectieCheckState {
-public:
-    CSectieCheckState *Volgende(CSectieCheck &Check) override;
-};
-class CMoetEen1Zijn : public CSectieCheckState {
-public:
-    CSectieCheckState *Volgende(CSectieCheck &Check) override;
-};
-class CMagAllesZijn : public CSectieCheckState {
-public:
-    CSectieCheckState *Volgende(CSectieCheck &Check) override;
-};
-class CMagAllesZijnBehalve7 : public CSectieCheckState {
-public:
-    CSectieCheckState *Volgende(CSectieCheck &Check) override;
-};
-class CMoetEen8Zijn : public CSectieCheckState {
-public:
-    CSectieCheckState *Volgende(CSectieCheck &Check) override;
-};
-class CMoetEen6Zijn : public CSectieCheckState {
-public:
-    CSectieCheckState *Volgende(CSectieCheck &Check) override;
-};
-class CKunnenZessenZijn : public CSectieCheckState {
-public:
-    CSectieCheckState *Volgende(CSectieCheck &Check) override;
-};
-class CMoetEen7Zijn : public CSectieCheckState {
-public:
-    CSectieCheckState *Volgende(CSectieCheck &Check) override;
-};
+// The eight states; each one's Volgende is defined below. CStopMaar ends the run with a valid
+// line: the result becomes -1.
+#define VX_SECTIE_TOESTAND(Naam)                                                                   \
+    class Naam final : public CSectieCheckState {                                                  \
+    public:                                                                                        \
+        CSectieCheckState *Volgende(CSectieCheck &Check) override;                                 \
+    }
+VX_SECTIE_TOESTAND(CStopMaar);
+VX_SECTIE_TOESTAND(CMoetEen1Zijn);
+VX_SECTIE_TOESTAND(CMagAllesZijn);
+VX_SECTIE_TOESTAND(CMagAllesZijnBehalve7);
+VX_SECTIE_TOESTAND(CMoetEen8Zijn);
+VX_SECTIE_TOESTAND(CMoetEen6Zijn);
+VX_SECTIE_TOESTAND(CKunnenZessenZijn);
+VX_SECTIE_TOESTAND(CMoetEen7Zijn);
+#undef VX_SECTIE_TOESTAND
 
 // The record of one check: the line, its size taken once, the position, and the states.
 class CSectieCheck {

@@ -35,6 +35,15 @@ std::vector<CClipsnijpunt *> Keten(const CClipsnijpuntList &lijst, short s) {
     return punten;
 }
 
+// Collects, sorts and thins a list; returns the count before thinning.
+int nVerzamelEnDun(const CVXCoordArr &A, const CVXCoordArr &B, CClipsnijpuntList &lijst) {
+    A.VerzamelClipLijst(B, lijst);
+    const int n = static_cast<int>(lijst.GetCount());
+    lijst.Sort();
+    lijst.RemoveDubbele(A, B);
+    return n;
+}
+
 void ExpectSnij(const CClipsnijpunt *p, double x, double y) {
     EXPECT_NEAR(p->GetSnij().m_dX, x, 1e-12);
     EXPECT_NEAR(p->GetSnij().m_dY, y, 1e-12);
@@ -105,10 +114,7 @@ TEST(ClipList, ACrossingAtAVertexOfAIsKeptOnce) {
     const CVXCoordArr A = Vierkant(0, 0, 10);
     const CVXCoordArr B = Lijn({{8, 8, 1}, {12, 12, 0}, {12, 4, 0}, {8, 8, 0}});
     CClipsnijpuntList lijst(true, true);
-    A.VerzamelClipLijst(B, lijst);
-    EXPECT_EQ(lijst.GetCount(), 3);
-    lijst.Sort();
-    lijst.RemoveDubbele(A, B);
+    EXPECT_EQ(nVerzamelEnDun(A, B, lijst), 3);
     ASSERT_EQ(lijst.GetCount(), 2);
     const auto keten = Keten(lijst, vx::nModeA);
     ASSERT_EQ(keten.size(), 2u);
@@ -122,10 +128,7 @@ TEST(ClipList, OpenLinesLoseTheirEndsAndASinglePointMakesNoRing) {
     // A starts on B's left edge: no crossing there; the one at (10, 5) stays.
     const CVXCoordArr A = Lijn({{0, 5, 1}, {15, 5, 0}});
     CClipsnijpuntList lijst(false, true);
-    A.VerzamelClipLijst(B, lijst);
-    EXPECT_EQ(lijst.GetCount(), 2);
-    lijst.Sort();
-    lijst.RemoveDubbele(A, B);
+    EXPECT_EQ(nVerzamelEnDun(A, B, lijst), 2);
     ASSERT_EQ(lijst.GetCount(), 1);
     ExpectSnij(lijst.pGetWorkHead(vx::nModeA), 10, 5);
     EXPECT_EQ(lijst.pGetWorkHead(vx::nModeA)->pGetNext(vx::nModeA), nullptr);
@@ -143,9 +146,7 @@ TEST(ClipList, OpenLinesLoseTheirEndsAndASinglePointMakesNoRing) {
     const CVXCoordArr poly = Vierkant(0, 0, 10);
     const CVXCoordArr lijn = Lijn({{5, 5, 1}, {15, 5, 0}, {15, 8, 0}, {5, 8, 0}, {5, 20, 0}});
     CClipsnijpuntList clip(true, false);
-    poly.VerzamelClipLijst(lijn, clip);
-    clip.Sort();
-    clip.RemoveDubbele(poly, lijn);
+    EXPECT_EQ(nVerzamelEnDun(poly, lijn, clip), 3);
     const auto keten = Keten(clip, vx::nModeB);
     ASSERT_EQ(keten.size(), 2u);
     ExpectSnij(keten[0], 10, 8);

@@ -2,6 +2,7 @@
 // lines from (x, y, code) triples.
 #pragma once
 
+#include "geometry/Trace.h"
 #include "platform/VXString.h"
 #include "geometry/VXCoordArr.h"
 #include "platform/Assert.h"
@@ -29,32 +30,43 @@ public:
 
 namespace vxtest {
 
-// Collects the assertion reports raised while it lives.
-class AssertCatcher {
+// Collects the lines a sink receives while it lives; Zet installs the sink, null restores the
+// default.
+template <void (*Zet)(void (*)(const char *))>
+class SinkCatcher {
 public:
-    AssertCatcher() {
-        Reports().clear();
-        vx::SetAssertSink(&Sink);
+    SinkCatcher() {
+        Lines().clear();
+        Zet(&Sink);
     }
-    ~AssertCatcher() { vx::SetAssertSink(nullptr); }
-    AssertCatcher(const AssertCatcher &) = delete;
-    AssertCatcher &operator=(const AssertCatcher &) = delete;
+    ~SinkCatcher() { Zet(nullptr); }
+    SinkCatcher(const SinkCatcher &) = delete;
+    SinkCatcher &operator=(const SinkCatcher &) = delete;
 
-    static std::vector<std::string> &Reports() {
-        static std::vector<std::string> reports;
-        return reports;
+    static std::vector<std::string> &Lines() {
+        static std::vector<std::string> lines;
+        return lines;
     }
+    size_t Count() const { return Lines().size(); }
+
+private:
+    static void Sink(const char *message) { Lines().emplace_back(message); }
+};
+
+// The assertion reports raised while it lives.
+class AssertCatcher : public SinkCatcher<&vx::SetAssertSink> {
+public:
+    static std::vector<std::string> &Reports() { return Lines(); }
     // Whether one report carries this expression text.
     bool Has(const std::string &expression) const {
         for (const std::string &r : Reports())
             if (r.find("Assertion failure " + expression + " ") == 0) return true;
         return false;
     }
-    size_t Count() const { return Reports().size(); }
-
-private:
-    static void Sink(const char *message) { Reports().emplace_back(message); }
 };
+
+// The lines of the geometry's general trace written while it lives.
+using TraceCatcher = SinkCatcher<&vx::SetGeometryTraceSink>;
 
 struct P {
     double x, y;

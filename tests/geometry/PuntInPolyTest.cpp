@@ -4,7 +4,6 @@
 
 #include "geometry/Extents.h"
 #include "geometry/GeometryTestUtil.h"
-#include "geometry/Trace.h"
 
 #include <gtest/gtest.h>
 
@@ -176,28 +175,7 @@ TEST(PolyMeasures, OverlapByZones) {
                      .Overlap(box));
 }
 
-namespace {
-
-// Collects the lines of the general trace while it lives.
-class TraceCatcher {
-public:
-    TraceCatcher() {
-        Lines().clear();
-        vx::SetGeometryTraceSink(&Sink);
-    }
-    ~TraceCatcher() { vx::SetGeometryTraceSink(nullptr); }
-    TraceCatcher(const TraceCatcher &) = delete;
-    TraceCatcher &operator=(const TraceCatcher &) = delete;
-    static std::vector<std::string> &Lines() {
-        static std::vector<std::string> lines;
-        return lines;
-    }
-
-private:
-    static void Sink(const char *text) { Lines().emplace_back(text); }
-};
-
-} // namespace
+using vxtest::TraceCatcher;
 
 TEST(Draairichting, SimpleSequencesByTheirRawPoints) {
     TraceCatcher trace;
