@@ -13,6 +13,8 @@
 // (on a reversed copy of B, which m_nReversedIndex fits).
 #pragma once
 
+#include "platform/VXExport.h"
+
 #include "geometry/VXCoord.h"
 #include "geometry/VXCoordArr.h"
 #include "persist/SerCollections.h"
@@ -20,7 +22,7 @@
 
 #include <cstdint>
 
-namespace vx {
+namespace vx VX_API {
 
 // The walking modes of a clip point.
 enum : short { nModeA = 0, nModeB = 1, nModeBTerug = 2 };
@@ -187,4 +189,4 @@ public:
     ~CCircularPolyList() override;
 };
 
-} // namespace vx
+} // namespace VX_API

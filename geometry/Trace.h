@@ -3,7 +3,9 @@
 // is installed, as a debug trace stays silent in a release build.
 #pragma once
 
-namespace vx {
+#include "platform/VXExport.h"
+
+namespace vx VX_API {
 
 using GeometryTraceSink = void (*)(const char *text);
 
@@ -13,4 +15,4 @@ void SetGeometryTraceSink(GeometryTraceSink sink);
 // Hands one line to the installed sink, if any.
 void GeometryTrace(const char *text);
 
-} // namespace vx
+} // namespace VX_API
