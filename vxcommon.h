@@ -43,7 +43,6 @@
 #include "geometry/LineArc.h"
 #include "geometry/PuntInPoly.h"
 #include "geometry/Tolerances.h"
-#include "geometry/Trace.h"
 #include "geometry/VXCoord.h"
 #include "geometry/VXCoordArr.h"
 

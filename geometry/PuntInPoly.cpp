@@ -2,8 +2,8 @@
 
 #include "geometry/LineArc.h"
 #include "geometry/Tolerances.h"
-#include "geometry/Trace.h"
 #include "platform/Assert.h"
+#include "platform/UserPrompt.h"
 
 #include <cmath>
 #include <numbers>
@@ -204,7 +204,8 @@ KlokRichting CVXCoordArr::Draairichting() const {
     constexpr int nMinPunten = 3;
     if (GetSize() < nMinPunten) return KlokOnbepaald;
     if (!SnijdtZichzelfSimple()) return RichtingVan(dRuweSom(*this));
-    GeometryTrace("NonSimple polygon");
+    // The general trace: an information line of the process log.
+    LogToHost(kLogInfo, CVXString(u"NonSimple polygon"));
     double dOpp = 0.0;
     if (!bOppervlakNoAbs(&dOpp)) return KlokOnbepaald;
     return RichtingVan(dOpp);

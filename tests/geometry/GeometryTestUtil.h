@@ -2,10 +2,10 @@
 // lines from (x, y, code) triples.
 #pragma once
 
-#include "geometry/Trace.h"
-#include "platform/VXString.h"
 #include "geometry/VXCoordArr.h"
 #include "platform/Assert.h"
+#include "platform/UserPrompt.h"
+#include "platform/VXString.h"
 
 #include <initializer_list>
 #include <string>
@@ -30,16 +30,16 @@ public:
 
 namespace vxtest {
 
-// Collects the lines a sink receives while it lives; Zet installs the sink, null restores the
-// default.
-template <void (*Zet)(void (*)(const char *))>
+// Collects the lines a sink receives while it lives. Haak::Zet(true) installs the sink,
+// Zet(false) restores the default.
+template <class Haak>
 class SinkCatcher {
 public:
     SinkCatcher() {
         Lines().clear();
-        Zet(&Sink);
+        Haak::Zet(true);
     }
-    ~SinkCatcher() { Zet(nullptr); }
+    ~SinkCatcher() { Haak::Zet(false); }
     SinkCatcher(const SinkCatcher &) = delete;
     SinkCatcher &operator=(const SinkCatcher &) = delete;
 
@@ -48,13 +48,15 @@ public:
         return lines;
     }
     size_t Count() const { return Lines().size(); }
+};
 
-private:
-    static void Sink(const char *message) { Lines().emplace_back(message); }
+struct AssertHaak {
+    static void Sink(const char *message);
+    static void Zet(bool bAan) { vx::SetAssertSink(bAan ? &Sink : nullptr); }
 };
 
 // The assertion reports raised while it lives.
-class AssertCatcher : public SinkCatcher<&vx::SetAssertSink> {
+class AssertCatcher : public SinkCatcher<AssertHaak> {
 public:
     static std::vector<std::string> &Reports() { return Lines(); }
     // Whether one report carries this expression text.
@@ -65,8 +67,19 @@ public:
     }
 };
 
-// The lines of the geometry's general trace written while it lives.
-using TraceCatcher = SinkCatcher<&vx::SetGeometryTraceSink>;
+inline void AssertHaak::Sink(const char *message) {
+    AssertCatcher::Lines().emplace_back(message);
+}
+
+// The lines written to the process log from below the logger, as "<level> <text>".
+struct LogHaak {
+    static void Sink(int nLevel, const vx::CVXString &text) {
+        SinkCatcher<LogHaak>::Lines().push_back(std::to_string(nLevel) + " " +
+                                                static_cast<const char *>(text));
+    }
+    static void Zet(bool bAan) { vx::SetHostLogSink(bAan ? &Sink : nullptr); }
+};
+using LogCatcher = SinkCatcher<LogHaak>;
 
 struct P {
     double x, y;

@@ -175,10 +175,10 @@ TEST(PolyMeasures, OverlapByZones) {
                      .Overlap(box));
 }
 
-using vxtest::TraceCatcher;
+using vxtest::LogCatcher;
 
 TEST(Draairichting, SimpleSequencesByTheirRawPoints) {
-    TraceCatcher trace;
+    LogCatcher log;
     CVXCoordArr sq = Vierkant(); // (0,0) (10,0) (10,10) (0,10): counter-clockwise
     EXPECT_EQ(sq.Draairichting(), vx::KlokTegen);
     sq.DraaiRichting();
@@ -191,32 +191,32 @@ TEST(Draairichting, SimpleSequencesByTheirRawPoints) {
     // (10, 0) with its middle at (0, -10): S = -10·(0 + 10) + 10·(-10 - 0) + 0 = -200.
     EXPECT_EQ(Lijn({{-10, 0, 1}, {10, 0, 0}, {0, -10, 8}, {-10, 0, 8}}).Draairichting(),
               vx::KlokMee);
-    EXPECT_TRUE(TraceCatcher::Lines().empty());
+    EXPECT_TRUE(LogCatcher::Lines().empty());
 }
 
 TEST(Draairichting, SelfCrossingSequencesGoByTheirArea) {
-    TraceCatcher trace;
+    LogCatcher log;
     // A bow-tie whose lobes balance: the area is 0.
     EXPECT_EQ(Lijn({{0, 0, 1}, {10, 10, 0}, {10, 0, 0}, {0, 10, 0}, {0, 0, 0}}).Draairichting(),
               vx::KlokOnbepaald);
-    ASSERT_EQ(TraceCatcher::Lines().size(), 1u);
-    EXPECT_EQ(TraceCatcher::Lines()[0], "NonSimple polygon");
+    ASSERT_EQ(LogCatcher::Lines().size(), 1u);
+    EXPECT_EQ(LogCatcher::Lines()[0], "3 NonSimple polygon"); // level 3, information
     // Unbalanced lobes: the shoelace sum is 0 - 400 + 200 + 0 = -200, area -100: clockwise.
     EXPECT_EQ(Lijn({{0, 0, 1}, {20, 20, 0}, {20, 0, 0}, {0, 10, 0}, {0, 0, 0}}).Draairichting(),
               vx::KlokMee);
-    EXPECT_EQ(TraceCatcher::Lines().size(), 2u);
+    EXPECT_EQ(LogCatcher::Lines().size(), 2u);
     // Not seen: the only crossing (stretch 1 with the last stretch) is never tested.
     EXPECT_EQ(Lijn({{0, 0, 1}, {10, 0, 0}, {0, 10, 0}, {10, 10, 0}, {0, 0, 0}}).Draairichting(),
               vx::KlokOnbepaald);
-    EXPECT_EQ(TraceCatcher::Lines().size(), 2u);
+    EXPECT_EQ(LogCatcher::Lines().size(), 2u);
     // A crossing of two inner stretches (1 and 3 of six) is seen: (0,0) (10,0) (10,10) (4,-2)
     // (4,5) (0,5) (0,0); stretch 1 runs x = 10 and stretch 3 from (4,-2) to (4,5) do not
     // cross, but stretch 0 (y = 0, x 0..10) and stretch 2 from (10,10) to (4,-2) do, at (5, 0).
     Lijn({{0, 0, 1}, {10, 0, 0}, {10, 10, 0}, {4, -2, 0}, {4, 5, 0}, {0, 5, 0}, {0, 0, 0}})
         .Draairichting();
-    EXPECT_EQ(TraceCatcher::Lines().size(), 3u);
+    EXPECT_EQ(LogCatcher::Lines().size(), 3u);
     // A touch counts: stretch 3 ends at (5, 0), inside stretch 0 (nBoogRichting 0 there).
     Lijn({{0, 0, 1}, {10, 0, 0}, {10, 5, 0}, {5, 5, 0}, {5, 0, 0}, {2, 0, 0}, {0, 0, 0}})
         .Draairichting();
-    EXPECT_EQ(TraceCatcher::Lines().size(), 4u);
+    EXPECT_EQ(LogCatcher::Lines().size(), 4u);
 }
