@@ -9,6 +9,8 @@
 
 namespace vx {
 
+static_assert(sizeof(ClipField) == 1, "the three flags share one byte");
+
 namespace {
 
 // A piece of A shorter than this, before a clip point, is too short to witness its side.

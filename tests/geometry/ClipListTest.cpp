@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <vector>
 
 using vx::CClipsnijpunt;
@@ -293,4 +294,15 @@ TEST(ClipList, MakeSimpleKeepsTheLargestLoop) {
     CVXCoordArr open = Lijn({{0, 0, 1}, {10, 10, 0}, {10, 0, 0}, {0, 10, 0}});
     open.MakeSimple();
     EXPECT_EQ(open.GetSize(), 4);
+}
+
+TEST(ClipList, ClipFieldHoldsItsFlagsInTheLowBitsOfOneByte) {
+    const vx::ClipField veld(true, false, true);
+    unsigned char byte = 0;
+    std::memcpy(&byte, &veld, 1);
+    EXPECT_EQ(byte & 0x7, 0x5); // bit 0 inside, bit 1 outside, bit 2 both required
+    vx::ClipField kopie;
+    kopie = vx::ClipField(false, true, false);
+    std::memcpy(&byte, &kopie, 1);
+    EXPECT_EQ(byte & 0x7, 0x2);
 }

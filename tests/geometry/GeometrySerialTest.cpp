@@ -87,7 +87,8 @@ TEST(GeometrySerial, CreatorPointersReadAsUsersWriteThem) {
     // The forms users write: RTC() is the same pointer as the virtual RuntimeCreator(), passed
     // straight to ReadObject and IsKindOf.
     CVXCoordArr line;
-    line.Add(new CVXCoord(1.0, 2.0));
+    const CVXCoord punt(1.0, 2.0);
+    line.Add(&punt); // Add stores a clone
     const Bytes bytes = Store([&](CArchiveB &ar) { ar.WriteObject(&line); });
     std::unique_ptr<ISerObject> loaded;
     Load(bytes, [&](CArchiveB &ar) { loaded.reset(ar.ReadObject(CVXCoordArr::RTC())); });
