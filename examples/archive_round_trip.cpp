@@ -11,16 +11,19 @@ int main(int argc, char **argv) {
     using namespace vx;
     const std::string path = argc > 1 ? argv[1] : "parcel.xml";
 
-    // Section codes: 1 starts the line, 0 is straight from the previous point, and an arc is
-    // its start, a support point coded 8 and an end point coded 8.
-    constexpr char kStart = 1, kStraight = 0, kArc = 8;
+    // Section codes: the first point starts the line, the next ones run straight from their
+    // predecessor, and an arc is its start, a support point and an end point.
+    constexpr char kStart = nSectieStart, kStraight = nSectieRecht, kArc = nSectieBoog;
+    // Add stores a copy of the point it is given: the array owns its copies.
+    const CVXCoord corners[] = {
+        {0.0, 0.0, kStart},      {40.0, 0.0, kStraight},
+        {40.0, 30.0, kStraight}, {20.0, 40.0, kArc}, // the arc's support point
+        {0.0, 30.0, kArc},                           // and its end
+        {0.0, 0.0, kStraight},
+    };
     CVXCoordArr parcel;
-    parcel.Add(new CVXCoord(0.0, 0.0, kStart));
-    parcel.Add(new CVXCoord(40.0, 0.0, kStraight));
-    parcel.Add(new CVXCoord(40.0, 30.0, kStraight));
-    parcel.Add(new CVXCoord(20.0, 40.0, kArc)); // the arc's support point
-    parcel.Add(new CVXCoord(0.0, 30.0, kArc));  // and its end
-    parcel.Add(new CVXCoord(0.0, 0.0, kStraight));
+    for (const CVXCoord &p : corners)
+        parcel.Add(&p);
     {
         CArchiveX out(CVXString(path.c_str()), false);
         out.Save(u"Root", static_cast<const ISerObject *>(&parcel));

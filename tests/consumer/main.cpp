@@ -13,7 +13,8 @@ namespace {
 bool ArchiveRoundTrip() {
     using namespace vx;
     CVXCoordArr line;
-    line.Add(new CVXCoord(1.0, 2.0));
+    const CVXCoord point(1.0, 2.0);
+    line.Add(&point); // the array keeps a copy
     CMemFile file;
     {
         CArchiveB ar(&file, CArchiveB::store);
