@@ -74,6 +74,28 @@ double dIso(double p, double e) {
     return std::log(std::tan(p / 2.0 + dPi / 4.0)) - (e / 2.0) * std::log((1.0 + es) / (1.0 - es));
 }
 
+SEccentric EccentricOf(double e) {
+    SEccentric k;
+    k.e = e;
+    k.e2 = e * e;
+    k.bSeries = std::fabs(e) <= dFastMaxEcc;
+    double pw = k.e2;
+    for (int i = 0; i < nEccTerms; ++i) {
+        k.c[i] = pw / (2 * i + 1);
+        pw *= k.e2;
+    }
+    k.dInvOneMinusE2 = 1.0 / (1.0 - k.e2);
+    const double e2 = k.e2;
+    const double e4 = e2 * e2;
+    const double e6 = e4 * e2;
+    const double e8 = e4 * e4;
+    k.a2 = e2 / 2 + 5 * e4 / 24 + e6 / 12 + 13 * e8 / 360;
+    k.a4 = 7 * e4 / 48 + 29 * e6 / 240 + 811 * e8 / 11520;
+    k.a6 = 7 * e6 / 120 + 81 * e8 / 1120;
+    k.a8 = 4279 * e8 / 161280;
+    return k;
+}
+
 COutputSystem::COutputSystem(ProjectionType type, CEllipsoid *pEllipsoid, const SParameters &par,
                              const char *szEditFlags)
     : m_pEllipsoid(pEllipsoid), m_dLonOriginCM(par.dLonOriginCM), m_dLatOrigin(par.dLatOrigin),
@@ -87,6 +109,25 @@ COutputSystem::COutputSystem(ProjectionType type, CEllipsoid *pEllipsoid, const 
         m_szProjectionName.LoadString(e->nDisplayId);
         m_szTrav3ProjectionName.LoadString(e->nKeywordId);
     }
+}
+
+bool CProjectionConstants::bPublish(std::unique_ptr<SBlock> &block) {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_nBlocks == nMaxBlocks) return false;
+    m_aBlocks[m_nBlocks] = std::move(block);
+    m_pCurrent.store(m_aBlocks[m_nBlocks].get(), std::memory_order_release);
+    ++m_nBlocks;
+    return true;
+}
+
+void COutputSystem::EllToProjectionArray(const CEllCoord *in, CVXCoord *out, std::size_t n) {
+    for (std::size_t i = 0; i < n; ++i)
+        EllToProjection(out[i], in[i]);
+}
+
+void COutputSystem::ProjectionToEllArray(const CVXCoord *in, CEllCoord *out, std::size_t n) {
+    for (std::size_t i = 0; i < n; ++i)
+        ProjectionToEll(out[i], in[i]);
 }
 
 COutputSystem::~COutputSystem() {

@@ -15,11 +15,50 @@
 #include "persist/SerObject.h"
 #include "platform/VXString.h"
 
+#include <atomic>
+#include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <mutex>
 
 namespace vx VX_API {
 
 class CVXCoord;
+
+// The constants a projection derives from its parameters, kept with the object so that they are
+// computed once per parameter set (the block's type and its key live in geodesy/ProjMath.h).
+// Blocks are immutable once published, so several threads may use one object at once; a change
+// of parameters publishes a new block and keeps the old one alive until the object dies, for a
+// reader that may still hold it. After nMaxBlocks parameter sets nothing more is kept and each
+// call computes its constants afresh: slower, never wrong, and memory stays bounded. A copy
+// starts empty and computes its own.
+class CProjectionConstants {
+public:
+    struct SBlock {
+        explicit SBlock(const void *pTag) : m_pTag(pTag) {}
+        virtual ~SBlock() = default;
+        SBlock(const SBlock &) = delete;
+        SBlock &operator=(const SBlock &) = delete;
+        const void *m_pTag; // tells the block types apart
+    };
+    static constexpr std::size_t nMaxBlocks = 8;
+
+    CProjectionConstants() = default;
+    CProjectionConstants(const CProjectionConstants &) noexcept {}
+    CProjectionConstants &operator=(const CProjectionConstants &) noexcept { return *this; }
+    ~CProjectionConstants() = default;
+
+    const SBlock *pCurrent() const { return m_pCurrent.load(std::memory_order_acquire); }
+    // Takes `block` and makes it current; leaves it with the caller and returns false when the
+    // room for blocks is used up.
+    bool bPublish(std::unique_ptr<SBlock> &block);
+
+private:
+    std::atomic<const SBlock *> m_pCurrent{nullptr};
+    std::mutex m_mutex;
+    std::unique_ptr<SBlock> m_aBlocks[nMaxBlocks];
+    std::size_t m_nBlocks = 0;
+};
 
 // The projection types; the numbers are those of stored files and host settings.
 enum ProjectionType : int32_t {
@@ -73,6 +112,13 @@ public:
     virtual COutputSystem *pCopy() const = 0;
     virtual void EllToProjection(CVXCoord &xy, CEllCoord ell) = 0;
     virtual void ProjectionToEll(CEllCoord &ell, CVXCoord xy) = 0;
+    // The same for n points at once, for bulk conversions: in[i] to out[i]. The results are
+    // bit-identical to n single calls. This base form makes the n calls; the plain projections
+    // run their formulas directly over the arrays, several points at a time, so that the
+    // processor overlaps their independent chains of libm calls. A class that overrides the
+    // point forms is served by this base form unless it overrides these as well.
+    virtual void EllToProjectionArray(const CEllCoord *in, CVXCoord *out, std::size_t n);
+    virtual void ProjectionToEllArray(const CVXCoord *in, CEllCoord *out, std::size_t n);
     // ETRS89 geographic to the local grid and back. Without a datum model of its own a
     // projection counts its geographic coordinates as ETRS89: these are the bare projection.
     virtual void ETRS2LOCAL(double lat, double lon, double h, double *x, double *y, double *z);
@@ -175,6 +221,8 @@ protected:
     static void SetProjected(CVXCoord &xy, double x, double y, double h);
 
     CEllipsoid *m_pEllipsoid;
+    // Derived constants of the concrete projection (not stored; see CProjectionConstants).
+    mutable CProjectionConstants m_Constants;
     double m_dLonOriginCM;
     double m_dLatOrigin;
     double m_dStandPar1;
