@@ -135,23 +135,27 @@ void Project(const SStereoSphere &s, const SPlane &pl, double e, double lat, dou
 }
 
 // The inverse in fewer libm calls: with t = r / (2kR), sin psi = 2t / (1 + t^2) and
-// cos psi = (1 - t^2) / (1 + t^2), so no angle psi is needed; the latitude comes from its
-// isometric latitude directly. Falls back to the literal form as Project does.
+// cos psi = (1 - t^2) / (1 + t^2), so no angle psi is needed; the longitude on the sphere is
+// atan2(dx sin psi, r cos B0 cos psi - dy sin B0 sin psi), both sides times
+// (1 + t^2) / (2t) > 0, which leaves dx unrounded; the latitude comes from its isometric latitude
+// directly. Falls back to the literal form as Project does.
 void Unproject(const SStereoSphere &s, const SPlane &pl, double e, double x, double y, double &lat,
                double &dLon) {
     const double dx = x - pl.FE;
     const double dy = y - pl.FN;
     const double kR = pl.k * s.R;
     const double t2 = (dx * dx + dy * dy) / (4.0 * kR * kR);
-    const double inv = 1.0 / (kR * (1.0 + t2));
-    const double sinB = s.cosB0 * dy * inv + s.sinB0 * (1.0 - t2) / (1.0 + t2);
+    const double sinB = (s.cosB0 * dy / kR + s.sinB0 * (1.0 - t2)) / (1.0 + t2);
     const double cosB = std::sqrt((1.0 - sinB) * (1.0 + sinB));
     const double w = (std::log((1.0 + sinB) / cosB) - s.K) / s.n;
-    if (!s.ecc.bSeries || !(std::fabs(w) <= dFastIsoLimit)) {
+    // The longitude on the sphere by the tangent of A, whose denominator is positive within a
+    // quarter turn; beyond it the literal asin form, which confines A to that quarter turn.
+    const double den = kR * s.cosB0 * (1.0 - t2) - dy * s.sinB0;
+    if (!s.ecc.bSeries || !(std::fabs(w) <= dFastIsoLimit) || !(den > 0.0)) {
         Inverse(s, pl, e, x, y, lat, dLon);
         return;
     }
-    dLon = std::asin(dx * inv / cosB) / s.n;
+    dLon = std::atan2(dx, den) / s.n;
     lat = dLatOfIsoFast(s.ecc, w);
 }
 
