@@ -186,8 +186,7 @@ void COutputSystem::LOCAL2ETRS(CEllCoord &ell, const CVXCoord &xy) {
     ProjectionToEll(ell, xy);
 }
 
-double COutputSystem::dWrapLon(double lon) const {
-    const double d = lon - m_dLonOriginCM;
+double COutputSystem::dWrapLonFull(double d) {
     double q = d * 0.5 / dPi;
     q += q > 0.0 ? 0.5 : -0.5;
     q = q > 0.0 ? std::floor(q) : std::ceil(q);

@@ -16,6 +16,7 @@
 #include "platform/VXString.h"
 
 #include <atomic>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -212,8 +213,16 @@ protected:
                   const char *szEditFlags);
 
     // The wrapped difference lon - lon0 in [-pi, pi]; absorbs the [0, 2*pi) longitudes of
-    // XYZToEll.
-    double dWrapLon(double lon) const;
+    // XYZToEll. Below 3 in magnitude the rule leaves d = lon - lon0 as it is (the quotient
+    // rounds to 0, and d - 0 * 2pi turns -0 into +0, as d + 0.0 does): that case, nearly every
+    // point, is taken here without the two roundings.
+    double dWrapLon(double lon) const {
+        const double d = lon - m_dLonOriginCM;
+        return std::fabs(d) < dWrapShortcut ? d + 0.0 : dWrapLonFull(d);
+    }
+    static constexpr double dWrapShortcut = 3.0;
+    // The rule itself on a difference d.
+    static double dWrapLonFull(double d);
     // An output longitude into [0, 2*pi): below 0 gains 2*pi, above 2*pi (at or above for the
     // TM family, bAtFullTurn) loses it.
     static double dLonOut(double lon, bool bAtFullTurn);

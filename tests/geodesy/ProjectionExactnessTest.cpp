@@ -11,6 +11,7 @@
 #include "geodesy/Angles.h"
 #include "geodesy/ProjLambert.h"
 #include "geodesy/ProjStereo.h"
+#include "geodesy/ProjTM.h"
 #include "geometry/VXCoord.h"
 
 #include <gtest/gtest.h>
@@ -27,6 +28,7 @@ namespace {
 
 constexpr double dMaxDiffMetre = 1e-8;
 constexpr double dMaxDiffRad = 1e-13;
+constexpr double dTwoPi = 6.283185307179586;
 constexpr int nGrid = 201; // points per side: 40401 per projection and direction
 
 // One way of projecting, in double or in extended precision, returning the longitude
@@ -78,9 +80,11 @@ void CheckExactness(const char *name, COutputSystem &p, const SFormulas &lit, do
             lit.invExt(x, y, lae, dle);
             CEllCoord ell;
             p.ProjectionToEll(ell, CVXCoord(x, y, 0.0, 1));
-            // The longitude as the library hands it out, lon0 added (no wrap in these areas).
-            const double lonLit = dl + cm;
-            const LD lonExt = dle + cm;
+            // The longitude as the library hands it out, lon0 added.
+            // West of Greenwich the library turns it into [0, 2 pi) by adding 2 pi.
+            const double turn = dl + cm < 0.0 ? dTwoPi : 0.0;
+            const double lonLit = dl + cm + turn;
+            const LD lonExt = dle + cm + turn;
             maxInv = std::max(
                 {maxInv, std::fabs(ell.dGetLat() - la), std::fabs(ell.dGetLon() - lonLit)});
             ilat.Add(Err(la, lae), Err(ell.dGetLat(), lae));
@@ -136,7 +140,39 @@ SFormulas LambertFormulas(const CProjection_LB &p) {
         }};
 }
 
+SFormulas TMFormulas(const COutputSystem &p) {
+    const literal::STM<double> c = literal::TMOf<double>(p.dGetSemiMajAx(), p.dGetEccentr());
+    const literal::STM<LD> ce = literal::TMOf<LD>(p.dGetSemiMajAx(), p.dGetEccentr());
+    const double k = p.dGetProjScaleFac(), FE = p.dGetFalseEasting(), FN = p.dGetFalseNorthing();
+    const double kArc0 = k * literal::TMArc<double>(c, p.dGetLatOrigin());
+    const LD kArc0e = k * literal::TMArc<LD>(ce, p.dGetLatOrigin());
+    return {[=](double lat, double dLon, double &x, double &y) {
+                literal::TMForward<double>(c, k, kArc0, FE, FN, lat, dLon, x, y);
+            },
+            [=](LD lat, LD dLon, LD &x, LD &y) {
+                literal::TMForward<LD>(ce, k, kArc0e, FE, FN, lat, dLon, x, y);
+            },
+            [=](double x, double y, double &lat, double &dLon) {
+                literal::TMInverse<double>(c, k, kArc0, FE, FN, x, y, lat, dLon);
+            },
+            [=](LD x, LD y, LD &lat, LD &dLon) {
+                literal::TMInverse<LD>(ce, k, kArc0e, FE, FN, x, y, lat, dLon);
+            }};
+}
+
 } // namespace
+
+TEST(ProjectionExactness, TransverseMercator) {
+    // The zone's 6 degrees from the equator to 84 degrees north, and a southern zone on another
+    // ellipsoid; a Gauss-Krueger strip of 3 degrees with a latitude of origin.
+    CProjection_TM_NORTH utm32(DegToRad(9.0), CEllipsoid(CEllipsoid::INTERNATIONAL));
+    CheckExactness("UTM 32", utm32, TMFormulas(utm32), 0.0, 84.0, 6.0, 12.0);
+    CProjection_TM_SOUTH utm33s(DegToRad(15.0), CEllipsoid(CEllipsoid::GRS_1980));
+    CheckExactness("UTM 33 south", utm33s, TMFormulas(utm33s), -80.0, 0.0, 12.0, 18.0);
+    CProjection_TM_TM tm(DegToRad(-2.0), DegToRad(49.0), 0.9996012717, 400000.0, -100000.0,
+                         CEllipsoid(CEllipsoid::AIRY));
+    CheckExactness("TM", tm, TMFormulas(tm), 49.0, 61.0, -3.5, -0.5);
+}
 
 TEST(ProjectionExactness, RDAndStereographic) {
     CProjection_RD rd;

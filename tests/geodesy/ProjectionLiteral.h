@@ -149,3 +149,94 @@ void LBInverse(const SCone<F> &c, F FE, F FN, F x, F y, F &lat, F &dLon) {
 }
 
 } // namespace vx::literal
+
+namespace vx::literal {
+
+// ---- transverse Mercator, the Gauss-Krueger series ----
+
+template <class F>
+struct STM {
+    F a, e, E, G, A1, A2, A3, A4, B1, B2, B3, B4;
+};
+
+template <class F>
+STM<F> TMOf(F a, F e) {
+    STM<F> k{};
+    k.a = a;
+    k.e = e;
+    const F E = e * e / (1 - e * e);
+    const F b = a * std::sqrt(1 - e * e);
+    const F c = a / std::sqrt(1 - e * e);
+    const F n = (a - b) / (a + b);
+    k.E = E;
+    k.G = (n * n * F(0.25) + 1) * a / (1 + n);
+    k.A1 =
+        ((((11025 - E * F(10828.125)) * F(0.015625) * E - 175) * F(0.25) * E + 45) * F(0.0625) * E -
+         3) *
+        F(0.25) * E * c;
+    k.A2 = (((3675 - E * F(4331.25)) * F(0.00390625) * E - F(175) / 12) * E + 15) * F(0.03125) * E *
+           E * c;
+    k.A3 = (E * 735 - F(746.5)) * c * F(0.00048828125) * E * E * E;
+    k.A4 = c * (315 - E * F(866.25)) * F(0.0009765625) * E * E * E * E;
+    k.B1 =
+        ((((E * 16384 - 11025) * F(0.015625) * E + 175) * F(0.25) * E - 45) * F(0.0625) * E + 3) *
+        F(0.25) * E;
+    k.B2 = (((19413 - F(170539.34166666667) * E) * F(0.125) * E - 1477) * F(0.03125) * E + 21) *
+           F(0.03125) * E * E;
+    k.B3 = (((E * F(169183.60714285713) - 17121) * F(0.03125) * E + 151) / 192) * E * E * E;
+    k.B4 = (1097 - F(12207.914285714285) * E) * F(0.0009765625) * E * E * E * E;
+    return k;
+}
+
+template <class F>
+F TMArc(const STM<F> &k, F p) {
+    const F C = std::cos(p) * std::cos(p);
+    return k.G * p +
+           std::sin(p) * std::cos(p) * (k.A1 + k.A2 * C + k.A3 * C * C + k.A4 * C * C * C);
+}
+
+template <class F>
+void TMForward(const STM<F> &c, F k, F kArc0, F FE, F FN, F phi, F dLon, F &x, F &y) {
+    const F sphi = std::sin(phi);
+    const F N = k * c.a / std::sqrt(1 - c.e * c.e * sphi * sphi);
+    const F t = std::tan(phi);
+    const F t2 = t * t;
+    const F t4 = t2 * t2;
+    const F h = c.E * std::cos(phi) * std::cos(phi);
+    const F L = dLon * std::cos(phi);
+    const F L2 = L * L;
+    x = N * L *
+            (1 + L2 * ((1 - t2 + h) * (F(1) / 6) +
+                       L2 * ((5 - 18 * t2 + t4 + (14 - 58 * t2) * h) * (F(1) / 120) +
+                             (61 - 479 * t2 + 179 * t4 - t4 * t2) * (F(1) / 5040) * L2))) +
+        FE;
+    y = k * TMArc(c, phi) - kArc0 + FN +
+        N * F(0.5) * t * L2 *
+            (1 + L2 * (((4 * h + 9) * h + 5 - t2) * (F(1) / 12) +
+                       ((270 - 330 * t2) * h + 61 - 58 * t2 + t4) * (F(1) / 360) * L2));
+}
+
+template <class F>
+void TMInverse(const STM<F> &c, F k, F kArc0, F FE, F FN, F x, F y, F &lat, F &dLon) {
+    const F m = ((y - FN) + kArc0) / (k * c.G);
+    const F C = std::cos(m) * std::cos(m);
+    const F f = m + std::sin(m) * std::cos(m) * (c.B1 + c.B2 * C + c.B3 * C * C + c.B4 * C * C * C);
+    const F sf = std::sin(f);
+    const F t = std::tan(f);
+    const F t2 = t * t;
+    const F t4 = t2 * t2;
+    const F h = c.E * std::cos(f) * std::cos(f);
+    const F Q = (x - FE) / (k * c.a / std::sqrt(1 - c.e * c.e * sf * sf));
+    const F Q2 = Q * Q;
+    lat = f - F(0.5) * t * (h + 1) * Q2 *
+                  (1 + Q2 * (-(5 + 3 * t2 + (1 - 9 * t2) * h - 4 * h * h) * (F(1) / 12) +
+                             (61 + 90 * t2 + 45 * t4 + (46 - 252 * t2 - 90 * t4) * h) *
+                                 (F(1) / 360) * Q2));
+    dLon = Q *
+           (1 + Q2 * (-(1 + 2 * t2 + h) * (F(1) / 6) +
+                      Q2 * ((5 + 28 * t2 + 24 * t4 + (6 + 8 * t2) * h) * (F(1) / 120) -
+                            (61 + 662 * t2 + 1320 * t4 + 720 * t4 * t2) * (F(1) / 5040) * Q2))) /
+           std::cos(f);
+}
+
+} // namespace vx::literal
