@@ -57,16 +57,10 @@ CVXString TextLine(const char16_t *key, const CVXString &value) {
 
 } // namespace
 
-namespace {
-thread_local bool t_bBypassProjectionCache = false;
-} // namespace
+std::atomic<bool> g_bProjectionCacheBypass{false};
 
 void SetProjectionCacheBypass(bool bBypass) {
-    t_bBypassProjectionCache = bBypass;
-}
-
-bool bProjectionCacheBypassed() {
-    return t_bBypassProjectionCache;
+    g_bProjectionCacheBypass.store(bBypass, std::memory_order_relaxed);
 }
 
 double dIso(double p, double e) {

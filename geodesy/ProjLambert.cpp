@@ -143,7 +143,7 @@ void Inverse(const SLBConst &c, const SLBPlane &pl, double x, double y, double &
 
 } // namespace
 
-const SLBConst &CProjection_LB::Constants(SLBConst &scratch) const {
+const SLBConst &CProjection_LB::Constants(std::optional<SLBConst> &scratch) const {
     const CEllipsoid &ell = *m_pEllipsoid;
     return KeptConstants(
         m_Constants, scratch,
@@ -160,7 +160,7 @@ void CProjection_LB::ProjectionToEll(CEllCoord &ell, CVXCoord xy) {
 }
 
 void CProjection_LB::LBEllToProjection(const CEllCoord *in, CVXCoord *out, std::size_t n) {
-    SLBConst scratch{};
+    std::optional<SLBConst> scratch;
     const SLBConst &c = Constants(scratch);
     const SLBPlane pl{m_dLonOriginCM, m_dFalseEasting, m_dFalseNorthing};
     for (std::size_t i = 0; i < n; ++i) {
@@ -172,7 +172,7 @@ void CProjection_LB::LBEllToProjection(const CEllCoord *in, CVXCoord *out, std::
 }
 
 void CProjection_LB::LBProjectionToEll(const CVXCoord *in, CEllCoord *out, std::size_t n) {
-    SLBConst scratch{};
+    std::optional<SLBConst> scratch;
     const SLBConst &c = Constants(scratch);
     const SLBPlane pl{m_dLonOriginCM, m_dFalseEasting, m_dFalseNorthing};
     for (std::size_t i = 0; i < n; ++i) {

@@ -13,6 +13,8 @@
 
 #include "geodesy/OutputSystem.h"
 
+#include <optional>
+
 namespace vx VX_API {
 
 struct SLBConst;
@@ -42,7 +44,7 @@ protected:
 
 private:
     // The constants of the cone, kept per parameter set.
-    const SLBConst &Constants(SLBConst &scratch) const;
+    const SLBConst &Constants(std::optional<SLBConst> &scratch) const;
     void LBEllToProjection(const CEllCoord *in, CVXCoord *out, std::size_t n);
     void LBProjectionToEll(const CVXCoord *in, CEllCoord *out, std::size_t n);
     bool bOwnPointForms() const;

@@ -6,11 +6,13 @@
 #include "geodesy/OutputSystem.h"
 
 #include <array>
+#include <atomic>
 #include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 namespace vx {
 
@@ -25,11 +27,16 @@ inline constexpr double dFloatMinGuard = 1.1754943508222875e-38;
 // Isometric latitude: ln(tan(p/2 + pi/4)) - (e/2) ln((1 + e sin p) / (1 - e sin p)).
 double dIso(double p, double e);
 
-// Makes KeptConstants compute afresh at every call on this thread, as if nothing were kept.
-// For tests that hold the kept constants to a fresh computation through the same code.
+// Makes KeptConstants compute afresh at every call, as if nothing were kept. For tests that hold
+// the kept constants to a fresh computation through the same code. One switch for the process
+// (a relaxed atomic: a plain load at every call, where a thread_local of a shared library would
+// cost a call).
 // Exported although internal: the tests reach it.
 VX_API void SetProjectionCacheBypass(bool bBypass);
-bool bProjectionCacheBypassed();
+extern std::atomic<bool> g_bProjectionCacheBypass;
+inline bool bProjectionCacheBypassed() {
+    return g_bProjectionCacheBypass.load(std::memory_order_relaxed);
+}
 
 // One kept block: the constants and the exact bits of the parameters they were made from.
 template <class T, std::size_t N>
@@ -47,13 +54,13 @@ struct SKeptBlock final : CProjectionConstants::SBlock {
 // is always seen and no result can come from stale constants. `scratch` holds the result when
 // nothing can be kept (bypass, or the object's room for blocks used up).
 template <class T, class F, class... P>
-const T &KeptConstants(const CProjectionConstants &kept, T &scratch, F compute, P... params) {
+const T &KeptConstants(const CProjectionConstants &kept, std::optional<T> &scratch, F compute,
+                       P... params) {
     using Block = SKeptBlock<T, sizeof...(P)>;
     const std::array<std::uint64_t, sizeof...(P)> key{
         std::bit_cast<std::uint64_t>(static_cast<double>(params))...};
     if (bProjectionCacheBypassed()) {
-        scratch = compute();
-        return scratch;
+        return scratch.emplace(compute());
     }
     const CProjectionConstants::SBlock *pCur = kept.pCurrent();
     if (pCur && pCur->m_pTag == &Block::cTag) {
@@ -64,8 +71,7 @@ const T &KeptConstants(const CProjectionConstants &kept, T &scratch, F compute, 
     const Block *pNew = block.get();
     std::unique_ptr<CProjectionConstants::SBlock> base(std::move(block));
     if (const_cast<CProjectionConstants &>(kept).bPublish(base)) return pNew->value;
-    scratch = pNew->value;
-    return scratch;
+    return scratch.emplace(pNew->value);
 }
 
 // ---- the isometric latitude, fast ----

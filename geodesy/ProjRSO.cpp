@@ -81,7 +81,7 @@ double CProjection_RSO::dIsoToGeoLat(double iso, double e) {
     return p;
 }
 
-const SRSOConst &CProjection_RSO::Constants(SRSOConst &scratch) const {
+const SRSOConst &CProjection_RSO::Constants(std::optional<SRSOConst> &scratch) const {
     const double a = dGetSemiMajAx();
     const double invFlatt = dGetInvFlatt();
     return KeptConstants(
@@ -92,7 +92,7 @@ const SRSOConst &CProjection_RSO::Constants(SRSOConst &scratch) const {
 
 void CProjection_RSO::EllToProjection(CVXCoord &xy, CEllCoord ell) {
     const double g = m_dSkew;
-    SRSOConst scratch{};
+    std::optional<SRSOConst> scratch;
     const SRSOConst &c = Constants(scratch);
     const double Q = std::exp(c.lnH + c.B * dGeoLatToIso(ell.dGetLat(), c.e));
     const double S = (Q - 1.0 / Q) / 2.0;
@@ -109,7 +109,7 @@ void CProjection_RSO::EllToProjection(CVXCoord &xy, CEllCoord ell) {
 
 void CProjection_RSO::ProjectionToEll(CEllCoord &ell, CVXCoord xy) {
     const double g = m_dSkew;
-    SRSOConst scratch{};
+    std::optional<SRSOConst> scratch;
     const SRSOConst &c = Constants(scratch);
     const double dx = xy.dGetX() - m_dFalseEasting;
     const double dy = xy.dGetY() - m_dFalseNorthing;

@@ -13,6 +13,8 @@
 
 #include "geodesy/OutputSystem.h"
 
+#include <optional>
+
 namespace vx VX_API {
 
 struct SRSOConst;
@@ -36,7 +38,7 @@ protected:
 
 private:
     // The constants of the aposphere, kept per parameter set (the skew included).
-    const SRSOConst &Constants(SRSOConst &scratch) const;
+    const SRSOConst &Constants(std::optional<SRSOConst> &scratch) const;
 };
 
 class CProjection_BRSO : public CProjection_RSO {

@@ -177,7 +177,8 @@ COutputSystem *CProjection_STEREOGRAPHIC::pCopy() const {
 }
 
 // The sphere depends on the ellipsoid and the latitude of origin only: kept per parameter set.
-const SStereoSphere &CProjection_STEREOGRAPHIC::Sphere(SStereoSphere &scratch) const {
+const SStereoSphere &
+CProjection_STEREOGRAPHIC::Sphere(std::optional<SStereoSphere> &scratch) const {
     const CEllipsoid &ell = *m_pEllipsoid;
     return KeptConstants(
         m_Constants, scratch, [&] { return SphereAt(ell, m_dLatOrigin); }, ell.dGetSemiMajAx(),
@@ -212,7 +213,7 @@ void CProjection_STEREOGRAPHIC::ProjectionToEllArray(const CVXCoord *in, CEllCoo
 
 void CProjection_STEREOGRAPHIC::StereoEllToProjection(const CEllCoord *in, CVXCoord *out,
                                                       std::size_t n) {
-    SStereoSphere scratch{};
+    std::optional<SStereoSphere> scratch;
     const SStereoSphere &s = Sphere(scratch);
     const SPlane pl{m_dProjScaleFac, m_dFalseEasting, m_dFalseNorthing};
     for (std::size_t i = 0; i < n; ++i) {
@@ -225,7 +226,7 @@ void CProjection_STEREOGRAPHIC::StereoEllToProjection(const CEllCoord *in, CVXCo
 
 void CProjection_STEREOGRAPHIC::StereoProjectionToEll(const CVXCoord *in, CEllCoord *out,
                                                       std::size_t n) {
-    SStereoSphere scratch{};
+    std::optional<SStereoSphere> scratch;
     const SStereoSphere &s = Sphere(scratch);
     const SPlane pl{m_dProjScaleFac, m_dFalseEasting, m_dFalseNorthing};
     for (std::size_t i = 0; i < n; ++i) {
@@ -251,7 +252,7 @@ COutputSystem *CProjection_RD::pCopy() const {
 
 // The sphere is fixed; what is kept is the ellipsoid's series, which a loaded USER ellipsoid
 // could change.
-const SStereoSphere &CProjection_RD::Sphere(SStereoSphere &scratch) const {
+const SStereoSphere &CProjection_RD::Sphere(std::optional<SStereoSphere> &scratch) const {
     const double e = dGetEccentr();
     return KeptConstants(
         m_Constants, scratch, [e] { return RDSphere(e); }, e);
@@ -266,7 +267,7 @@ void CProjection_RD::ProjectionToEll(CEllCoord &ell, CVXCoord xy) {
 }
 
 void CProjection_RD::RDEllToProjection(const CEllCoord *in, CVXCoord *out, std::size_t n) {
-    SStereoSphere scratch{};
+    std::optional<SStereoSphere> scratch;
     const SStereoSphere &s = Sphere(scratch);
     const SPlane pl{m_dProjScaleFac, m_dFalseEasting, m_dFalseNorthing};
     for (std::size_t i = 0; i < n; ++i) {
@@ -278,7 +279,7 @@ void CProjection_RD::RDEllToProjection(const CEllCoord *in, CVXCoord *out, std::
 }
 
 void CProjection_RD::RDProjectionToEll(const CVXCoord *in, CEllCoord *out, std::size_t n) {
-    SStereoSphere scratch{};
+    std::optional<SStereoSphere> scratch;
     const SStereoSphere &s = Sphere(scratch);
     const SPlane pl{m_dProjScaleFac, m_dFalseEasting, m_dFalseNorthing};
     for (std::size_t i = 0; i < n; ++i) {

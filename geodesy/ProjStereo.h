@@ -12,6 +12,8 @@
 
 #include "geodesy/OutputSystem.h"
 
+#include <optional>
+
 namespace vx VX_API {
 
 struct SStereoSphere;
@@ -31,7 +33,7 @@ public:
     void ProjectionToEllArray(const CVXCoord *in, CEllCoord *out, std::size_t n) override;
 
 private:
-    const SStereoSphere &Sphere(SStereoSphere &scratch) const;
+    const SStereoSphere &Sphere(std::optional<SStereoSphere> &scratch) const;
     void StereoEllToProjection(const CEllCoord *in, CVXCoord *out, std::size_t n);
     void StereoProjectionToEll(const CVXCoord *in, CEllCoord *out, std::size_t n);
 };
@@ -56,7 +58,7 @@ protected:
     explicit CProjection_RD(ProjectionType type);
 
 private:
-    const SStereoSphere &Sphere(SStereoSphere &scratch) const;
+    const SStereoSphere &Sphere(std::optional<SStereoSphere> &scratch) const;
     void RDEllToProjection(const CEllCoord *in, CVXCoord *out, std::size_t n);
     void RDProjectionToEll(const CVXCoord *in, CEllCoord *out, std::size_t n);
 };

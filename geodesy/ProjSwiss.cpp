@@ -33,7 +33,7 @@ struct SSwissOrigin {
     double b0, sinB0, cosB0;
 };
 
-const SSwissOrigin &CProjection_SWISS::Origin(SSwissOrigin &scratch) const {
+const SSwissOrigin &CProjection_SWISS::Origin(std::optional<SSwissOrigin> &scratch) const {
     const double lat0 = m_dLatOrigin;
     return KeptConstants(
         m_Constants, scratch,
@@ -63,7 +63,7 @@ void CProjection_SWISS::EllToProjection(CVXCoord &xy, CEllCoord ell) {
     const double q = std::log((1.0 + es) / (1.0 - es)) * e * dHalfAlpha +
                      std::log(std::tan(dPi / 4.0 - lat / 2.0)) * dAlpha;
     const double b = 2.0 * (std::atan(std::exp(dK - q)) - dPi / 4.0);
-    SSwissOrigin scratch{};
+    std::optional<SSwissOrigin> scratch;
     const SSwissOrigin &o = Origin(scratch);
     // No wrapping here: the Swiss grid never reaches the antimeridian.
     const double l = (ell.dGetLon() - m_dLonOriginCM) * dAlpha;
@@ -76,7 +76,7 @@ void CProjection_SWISS::EllToProjection(CVXCoord &xy, CEllCoord ell) {
 
 void CProjection_SWISS::ProjectionToEll(CEllCoord &ell, CVXCoord xy) {
     const double e = Eccentricity();
-    SSwissOrigin scratch{};
+    std::optional<SSwissOrigin> scratch;
     const SSwissOrigin &o = Origin(scratch);
     const double bb = 2.0 * (std::atan(std::exp((xy.dGetY() - m_dFalseNorthing) / dR)) - dPi / 4.0);
     const double l = (xy.dGetX() - m_dFalseEasting) / dR;

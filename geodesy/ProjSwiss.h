@@ -7,6 +7,8 @@
 
 #include "geodesy/OutputSystem.h"
 
+#include <optional>
+
 namespace vx VX_API {
 
 struct SSwissOrigin;
@@ -23,7 +25,7 @@ public:
 
 private:
     // The spherical latitude of origin, kept per latitude of origin.
-    const SSwissOrigin &Origin(SSwissOrigin &scratch) const;
+    const SSwissOrigin &Origin(std::optional<SSwissOrigin> &scratch) const;
 };
 
 } // namespace VX_API

@@ -145,7 +145,7 @@ void Inverse(const STMFixed &fx, const STMPlane &pl, double lon0, double x, doub
 
 } // namespace
 
-const STMFixed &CProjection_TM::Fixed(STMFixed &scratch) const {
+const STMFixed &CProjection_TM::Fixed(std::optional<STMFixed> &scratch) const {
     const double a = dGetSemiMajAx();
     const double e = dGetEccentr();
     const double lat0 = m_dLatOrigin;
@@ -163,7 +163,7 @@ void CProjection_TM::ProjectionToEll(CEllCoord &ell, CVXCoord xy) {
 }
 
 void CProjection_TM::TMEllToProjection(const CEllCoord *in, CVXCoord *out, std::size_t n) {
-    STMFixed scratch{};
+    std::optional<STMFixed> scratch;
     const STMFixed &fx = Fixed(scratch);
     const STMPlane pl{m_dProjScaleFac, m_dFalseEasting, m_dFalseNorthing};
     for (std::size_t i = 0; i < n; ++i) {
@@ -175,7 +175,7 @@ void CProjection_TM::TMEllToProjection(const CEllCoord *in, CVXCoord *out, std::
 }
 
 void CProjection_TM::TMProjectionToEll(const CVXCoord *in, CEllCoord *out, std::size_t n) {
-    STMFixed scratch{};
+    std::optional<STMFixed> scratch;
     const STMFixed &fx = Fixed(scratch);
     const STMPlane pl{m_dProjScaleFac, m_dFalseEasting, m_dFalseNorthing};
     for (std::size_t i = 0; i < n; ++i) {

@@ -11,6 +11,8 @@
 
 #include "geodesy/OutputSystem.h"
 
+#include <optional>
+
 namespace vx VX_API {
 
 struct STMFixed;
@@ -28,7 +30,7 @@ protected:
 private:
     // The constants of the ellipsoid and the arc to the latitude of origin, kept per parameter
     // set.
-    const STMFixed &Fixed(STMFixed &scratch) const;
+    const STMFixed &Fixed(std::optional<STMFixed> &scratch) const;
     void TMEllToProjection(const CEllCoord *in, CVXCoord *out, std::size_t n);
     void TMProjectionToEll(const CVXCoord *in, CEllCoord *out, std::size_t n);
     bool bOwnPointForms() const;
