@@ -187,14 +187,6 @@ double COutputSystem::dWrapLonFull(double d) {
     return d - q * dTwoPi;
 }
 
-double COutputSystem::dLonOut(double lon, bool bAtFullTurn) {
-    if (lon < 0.0)
-        lon += dTwoPi;
-    else if (bAtFullTurn ? lon >= dTwoPi : lon > dTwoPi)
-        lon -= dTwoPi;
-    return lon;
-}
-
 void COutputSystem::SetProjected(CVXCoord &xy, double x, double y, double h) {
     xy.SetXY(x, y);
     xy.SetZ(h);

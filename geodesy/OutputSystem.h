@@ -225,7 +225,14 @@ protected:
     static double dWrapLonFull(double d);
     // An output longitude into [0, 2*pi): below 0 gains 2*pi, above 2*pi (at or above for the
     // TM family, bAtFullTurn) loses it.
-    static double dLonOut(double lon, bool bAtFullTurn);
+    static double dLonOut(double lon, bool bAtFullTurn) {
+        if (lon < 0.0)
+            lon += dFullTurn;
+        else if (bAtFullTurn ? lon >= dFullTurn : lon > dFullTurn)
+            lon -= dFullTurn;
+        return lon;
+    }
+    static constexpr double dFullTurn = 6.283185307179586;
     // Stores a projected position and the height, marking x and y as known.
     static void SetProjected(CVXCoord &xy, double x, double y, double h);
 

@@ -103,10 +103,15 @@ void Forward(const SLBConst &c, const SLBPlane &pl, double lat, double dLon, dou
         ForwardLiteral(c, pl, lat, dLon, x, y);
         return;
     }
-    const double g = std::exp(-c.s0 * (dIsoFast(c.ecc, std::sin(lat), std::cos(lat)) - c.I0));
+    const double sl = std::sin(lat);
+    const double cl = std::cos(lat);
     const double th = c.s0 * dLon;
-    x = c.T * g * std::sin(th) + pl.FE;
-    y = c.T * (1.0 - g * std::cos(th)) + pl.FN - c.Tg0;
+    // Side by side, so that the compiler makes one sincos call of each pair.
+    const double sth = std::sin(th);
+    const double cth = std::cos(th);
+    const double g = std::exp(-c.s0 * (dIsoFast(c.ecc, sl, cl) - c.I0));
+    x = c.T * g * sth + pl.FE;
+    y = c.T * (1.0 - g * cth) + pl.FN - c.Tg0;
 }
 
 // The literal inverse: the fixed-point rounds on the latitude.
