@@ -233,6 +233,21 @@ protected:
         return lon;
     }
     static constexpr double dFullTurn = 6.283185307179586;
+    // The loops of the array forms over a point formula: fwd(lat, dLon, x, y) gets the wrapped
+    // longitude difference, inv(x, y, lat, lon) gives the longitude before it is brought into
+    // [0, 2*pi) (bAtFullTurn as in dLonOut); heights are carried over.
+    // (The plane point is a template parameter, CVXCoord, as this header only declares it.)
+    template <class XY, class FWD>
+    void ForwardLoop(const CEllCoord *in, XY *out, std::size_t n, FWD fwd) const {
+        for (std::size_t i = 0; i < n; ++i) {
+            double x = 0.0;
+            double y = 0.0;
+            fwd(in[i].dGetLat(), dWrapLon(in[i].dGetLon()), x, y);
+            SetProjected(out[i], x, y, in[i].dGetHgt());
+        }
+    }
+    template <class XY, class INV>
+    static void InverseLoop(const XY *in, CEllCoord *out, std::size_t n, bool bAtFullTurn, INV inv);
     // Stores a projected position and the height, marking x and y as known.
     static void SetProjected(CVXCoord &xy, double x, double y, double h);
 
@@ -253,6 +268,18 @@ protected:
     CVXString m_szTrav3ProjectionName;
     CVXString m_szTransformationName;
 };
+
+template <class XY, class INV>
+void COutputSystem::InverseLoop(const XY *in, CEllCoord *out, std::size_t n, bool bAtFullTurn,
+                                INV inv) {
+    for (std::size_t i = 0; i < n; ++i) {
+        double lat = 0.0;
+        double lon = 0.0;
+        inv(in[i].dGetX(), in[i].dGetY(), lat, lon);
+        out[i].SetLatLon(lat, dLonOut(lon, bAtFullTurn));
+        out[i].SetHgt(in[i].dGetZ());
+    }
+}
 
 // Finds the projection type of a keyword ("RD", "UTM_NORTH", ...), by the keyword texts of the
 // string table in table order.

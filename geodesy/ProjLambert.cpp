@@ -168,25 +168,18 @@ void CProjection_LB::LBEllToProjection(const CEllCoord *in, CVXCoord *out, std::
     std::optional<SLBConst> scratch;
     const SLBConst &c = Constants(scratch);
     const SLBPlane pl{m_dLonOriginCM, m_dFalseEasting, m_dFalseNorthing};
-    for (std::size_t i = 0; i < n; ++i) {
-        double x = 0.0;
-        double y = 0.0;
-        Forward(c, pl, in[i].dGetLat(), dWrapLon(in[i].dGetLon()), x, y);
-        SetProjected(out[i], x, y, in[i].dGetHgt());
-    }
+    ForwardLoop(in, out, n, [&c, pl](double lat, double dLon, double &x, double &y) {
+        Forward(c, pl, lat, dLon, x, y);
+    });
 }
 
 void CProjection_LB::LBProjectionToEll(const CVXCoord *in, CEllCoord *out, std::size_t n) {
     std::optional<SLBConst> scratch;
     const SLBConst &c = Constants(scratch);
     const SLBPlane pl{m_dLonOriginCM, m_dFalseEasting, m_dFalseNorthing};
-    for (std::size_t i = 0; i < n; ++i) {
-        double lat = 0.0;
-        double lon = 0.0;
-        Inverse(c, pl, in[i].dGetX(), in[i].dGetY(), lat, lon);
-        out[i].SetLatLon(lat, dLonOut(lon, false));
-        out[i].SetHgt(in[i].dGetZ());
-    }
+    InverseLoop(in, out, n, false, [&c, pl](double x, double y, double &lat, double &lon) {
+        Inverse(c, pl, x, y, lat, lon);
+    });
 }
 
 // The grid-corrected Lambert 72 overrides the point forms and gets the base form of the arrays

@@ -159,6 +159,26 @@ void Unproject(const SStereoSphere &s, const SPlane &pl, double e, double x, dou
     lat = dLatOfIsoFast(s.ecc, w);
 }
 
+// The plane parameters of a projection, from its public getters.
+SPlane Plane(const COutputSystem *p) {
+    return {p->dGetProjScaleFac(), p->dGetFalseEasting(), p->dGetFalseNorthing()};
+}
+
+// The point formulas of the array loops.
+auto StereoForward(const SStereoSphere &s, const SPlane &pl, bool bOriginTest) {
+    return [&s, pl, bOriginTest](double lat, double dLon, double &x, double &y) {
+        Project(s, pl, s.ecc.e, lat, dLon, bOriginTest, x, y);
+    };
+}
+
+auto StereoInverse(const SStereoSphere &s, const SPlane &pl, double lon0) {
+    return [&s, pl, lon0](double x, double y, double &lat, double &lon) {
+        double dLon = 0.0;
+        Unproject(s, pl, s.ecc.e, x, y, lat, dLon);
+        lon = dLon + lon0;
+    };
+}
+
 } // namespace
 
 CProjection_STEREOGRAPHIC::CProjection_STEREOGRAPHIC(ProjectionType type)
@@ -214,28 +234,13 @@ void CProjection_STEREOGRAPHIC::ProjectionToEllArray(const CVXCoord *in, CEllCoo
 void CProjection_STEREOGRAPHIC::StereoEllToProjection(const CEllCoord *in, CVXCoord *out,
                                                       std::size_t n) {
     std::optional<SStereoSphere> scratch;
-    const SStereoSphere &s = Sphere(scratch);
-    const SPlane pl{m_dProjScaleFac, m_dFalseEasting, m_dFalseNorthing};
-    for (std::size_t i = 0; i < n; ++i) {
-        double x = 0.0;
-        double y = 0.0;
-        Project(s, pl, s.ecc.e, in[i].dGetLat(), dWrapLon(in[i].dGetLon()), true, x, y);
-        SetProjected(out[i], x, y, in[i].dGetHgt());
-    }
+    ForwardLoop(in, out, n, StereoForward(Sphere(scratch), Plane(this), true));
 }
 
 void CProjection_STEREOGRAPHIC::StereoProjectionToEll(const CVXCoord *in, CEllCoord *out,
                                                       std::size_t n) {
     std::optional<SStereoSphere> scratch;
-    const SStereoSphere &s = Sphere(scratch);
-    const SPlane pl{m_dProjScaleFac, m_dFalseEasting, m_dFalseNorthing};
-    for (std::size_t i = 0; i < n; ++i) {
-        double lat = 0.0;
-        double dLon = 0.0;
-        Unproject(s, pl, s.ecc.e, in[i].dGetX(), in[i].dGetY(), lat, dLon);
-        out[i].SetLatLon(lat, dLonOut(dLon + m_dLonOriginCM, false));
-        out[i].SetHgt(in[i].dGetZ());
-    }
+    InverseLoop(in, out, n, false, StereoInverse(Sphere(scratch), Plane(this), m_dLonOriginCM));
 }
 
 CProjection_RD::CProjection_RD() : CProjection_RD(PT_RD) {}
@@ -268,27 +273,12 @@ void CProjection_RD::ProjectionToEll(CEllCoord &ell, CVXCoord xy) {
 
 void CProjection_RD::RDEllToProjection(const CEllCoord *in, CVXCoord *out, std::size_t n) {
     std::optional<SStereoSphere> scratch;
-    const SStereoSphere &s = Sphere(scratch);
-    const SPlane pl{m_dProjScaleFac, m_dFalseEasting, m_dFalseNorthing};
-    for (std::size_t i = 0; i < n; ++i) {
-        double x = 0.0;
-        double y = 0.0;
-        Project(s, pl, s.ecc.e, in[i].dGetLat(), dWrapLon(in[i].dGetLon()), false, x, y);
-        SetProjected(out[i], x, y, in[i].dGetHgt());
-    }
+    ForwardLoop(in, out, n, StereoForward(Sphere(scratch), Plane(this), false));
 }
 
 void CProjection_RD::RDProjectionToEll(const CVXCoord *in, CEllCoord *out, std::size_t n) {
     std::optional<SStereoSphere> scratch;
-    const SStereoSphere &s = Sphere(scratch);
-    const SPlane pl{m_dProjScaleFac, m_dFalseEasting, m_dFalseNorthing};
-    for (std::size_t i = 0; i < n; ++i) {
-        double lat = 0.0;
-        double dLon = 0.0;
-        Unproject(s, pl, s.ecc.e, in[i].dGetX(), in[i].dGetY(), lat, dLon);
-        out[i].SetLatLon(lat, dLonOut(dLon + m_dLonOriginCM, false));
-        out[i].SetHgt(in[i].dGetZ());
-    }
+    InverseLoop(in, out, n, false, StereoInverse(Sphere(scratch), Plane(this), m_dLonOriginCM));
 }
 
 // The grid-corrected types derive from this class and override the point forms: they get the

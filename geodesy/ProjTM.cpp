@@ -166,25 +166,19 @@ void CProjection_TM::TMEllToProjection(const CEllCoord *in, CVXCoord *out, std::
     std::optional<STMFixed> scratch;
     const STMFixed &fx = Fixed(scratch);
     const STMPlane pl{m_dProjScaleFac, m_dFalseEasting, m_dFalseNorthing};
-    for (std::size_t i = 0; i < n; ++i) {
-        double x = 0.0;
-        double y = 0.0;
-        Forward(fx, pl, in[i].dGetLat(), dWrapLon(in[i].dGetLon()), x, y);
-        SetProjected(out[i], x, y, in[i].dGetHgt());
-    }
+    ForwardLoop(in, out, n, [&fx, pl](double lat, double dLon, double &x, double &y) {
+        Forward(fx, pl, lat, dLon, x, y);
+    });
 }
 
 void CProjection_TM::TMProjectionToEll(const CVXCoord *in, CEllCoord *out, std::size_t n) {
     std::optional<STMFixed> scratch;
     const STMFixed &fx = Fixed(scratch);
     const STMPlane pl{m_dProjScaleFac, m_dFalseEasting, m_dFalseNorthing};
-    for (std::size_t i = 0; i < n; ++i) {
-        double lat = 0.0;
-        double lon = 0.0;
-        Inverse(fx, pl, m_dLonOriginCM, in[i].dGetX(), in[i].dGetY(), lat, lon);
-        out[i].SetLatLon(lat, dLonOut(lon, true));
-        out[i].SetHgt(in[i].dGetZ());
-    }
+    const double lon0 = m_dLonOriginCM;
+    InverseLoop(in, out, n, true, [&fx, pl, lon0](double x, double y, double &lat, double &lon) {
+        Inverse(fx, pl, lon0, x, y, lat, lon);
+    });
 }
 
 // The four types share the point forms; a host's class that overrides those gets the base form
