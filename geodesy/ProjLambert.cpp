@@ -103,12 +103,10 @@ void Forward(const SLBConst &c, const SLBPlane &pl, double lat, double dLon, dou
         ForwardLiteral(c, pl, lat, dLon, x, y);
         return;
     }
-    const double sl = std::sin(lat);
-    const double cl = std::cos(lat);
+    double sl = 0.0, cl = 0.0, sth = 0.0, cth = 0.0;
+    SinCos(lat, sl, cl);
     const double th = c.s0 * dLon;
-    // Side by side, so that the compiler makes one sincos call of each pair.
-    const double sth = std::sin(th);
-    const double cth = std::cos(th);
+    SinCos(th, sth, cth);
     const double g = std::exp(-c.s0 * (dIsoFast(c.ecc, sl, cl) - c.I0));
     x = c.T * g * sth + pl.FE;
     y = c.T * (1.0 - g * cth) + pl.FN - c.Tg0;

@@ -109,14 +109,15 @@ void Inverse(const SStereoSphere &s, const SPlane &pl, double e, double x, doubl
 // distance from the origin on the sphere.
 void ForwardFast(const SStereoSphere &s, const SPlane &pl, double lat, double dLon, double &x,
                  double &y) {
-    const double w = dIsoFast(s.ecc, std::sin(lat), std::cos(lat)) * s.n + s.K;
+    double sl = 0.0, cl = 0.0, sa = 0.0, ca = 0.0;
+    SinCos(lat, sl, cl);
+    const double w = dIsoFast(s.ecc, sl, cl) * s.n + s.K;
     const double q = std::exp(w);
     const double qi = 1.0 / q;
     const double sinB = (q - qi) / (q + qi);
     const double cosB = 2.0 / (q + qi);
     const double halfA = 0.5 * dLon * s.n;
-    const double sa = std::sin(halfA);
-    const double ca = std::cos(halfA);
+    SinCos(halfA, sa, ca);
     const double sinA = 2.0 * sa * ca;
     const double cosBcosA = cosB * (1.0 - 2.0 * sa * sa);
     const double f = 2.0 * pl.k * s.R / (1.0 + sinB * s.sinB0 + s.cosB0 * cosBcosA);

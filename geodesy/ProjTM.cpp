@@ -57,8 +57,8 @@ double Arc(const STMConst &k, double p, double sp, double cp) {
 
 // The footpoint latitude of the rectifying latitude m.
 double Footpoint(const STMConst &k, double m) {
-    const double sm = std::sin(m);
-    const double cm = std::cos(m);
+    double sm = 0.0, cm = 0.0;
+    SinCos(m, sm, cm);
     const double C = cm * cm;
     return m + sm * cm * (k.B1 + k.B2 * C + k.B3 * C * C + k.B4 * C * C * C);
 }
@@ -93,8 +93,8 @@ void Forward(const STMFixed &fx, const STMPlane &pl, double phi, double dLon, do
              double &y) {
     const STMConst &c = fx.c;
     const double k = pl.k;
-    const double sphi = std::sin(phi);
-    const double cphi = std::cos(phi);
+    double sphi = 0.0, cphi = 0.0;
+    SinCos(phi, sphi, cphi);
     const double N = k * c.a / std::sqrt(1.0 - c.e * c.e * sphi * sphi);
     const double t = sphi / cphi;
     const double t2 = t * t;
@@ -120,8 +120,8 @@ void Inverse(const STMFixed &fx, const STMPlane &pl, double lon0, double x, doub
     const double k = pl.k;
     const double m = ((y - pl.FN) + fx.kArc0) / (k * c.G);
     const double f = Footpoint(c, m);
-    const double sf = std::sin(f);
-    const double cf = std::cos(f);
+    double sf = 0.0, cf = 0.0;
+    SinCos(f, sf, cf);
     const double t = sf / cf;
     const double t2 = t * t;
     const double t4 = t2 * t2;
