@@ -54,14 +54,12 @@ struct SKeptBlock final : CProjectionConstants::SBlock {
 // is always seen and no result can come from stale constants. `scratch` holds the result when
 // nothing can be kept (bypass, or the object's room for blocks used up).
 template <class T, class F, class... P>
-const T &KeptConstants(const CProjectionConstants &kept, std::optional<T> &scratch, F compute,
+const T &KeptConstants(CProjectionConstants &kept, std::optional<T> &scratch, F compute,
                        P... params) {
     using Block = SKeptBlock<T, sizeof...(P)>;
     const std::array<std::uint64_t, sizeof...(P)> key{
         std::bit_cast<std::uint64_t>(static_cast<double>(params))...};
-    if (bProjectionCacheBypassed()) {
-        return scratch.emplace(compute());
-    }
+    if (bProjectionCacheBypassed()) return scratch.emplace(compute());
     const CProjectionConstants::SBlock *pCur = kept.pCurrent();
     if (pCur && pCur->m_pTag == &Block::cTag) {
         const Block *p = static_cast<const Block *>(pCur);
@@ -74,7 +72,7 @@ const T &KeptConstants(const CProjectionConstants &kept, std::optional<T> &scrat
     auto block = std::make_unique<Block>(key, compute());
     const Block *pNew = block.get();
     std::unique_ptr<CProjectionConstants::SBlock> base(std::move(block));
-    if (const_cast<CProjectionConstants &>(kept).bPublish(base)) return pNew->value;
+    if (kept.bPublish(base)) return pNew->value;
     return scratch.emplace(pNew->value);
 }
 
