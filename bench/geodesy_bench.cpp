@@ -1,7 +1,10 @@
 // The plain projections against PROJ: RD (the oblique stereographic projection alone, without
-// the grid correction) and UTM zone 31, forward and inverse, each over the same 1,000,000 points
-// of a grid across the area of use. At the end the throughput ratios are printed, ours over
-// PROJ's: above 1 means the library is faster.
+// the grid correction, against sterea), Lambert 72 and Lambert 2008 (against lcc) and UTM zone 31
+// (against tmerc +approx, the same kind of series), forward and inverse, each over the same
+// 1,000,000 points of a grid across the area of use. The library runs point by point (the
+// virtual call per point) and through the array forms. At the end one line per comparison
+// gives both throughputs and the ratio ours/PROJ: above 1 means the library is faster.
+#include "geodesy/ProjLambert.h"
 #include "geodesy/ProjStereo.h"
 #include "geodesy/ProjTM.h"
 #include "geometry/VXCoord.h"
@@ -74,7 +77,24 @@ SCase &RD() {
 SCase &UTM() {
     static SCase c(
         new CProjection_TM_NORTH(3.0 * dPiB / 180.0, CEllipsoid(CEllipsoid::INTERNATIONAL)),
-        "+proj=utm +zone=31 +ellps=intl", 0.0, 84.0, 0.0, 6.0);
+        "+proj=tmerc +approx +lat_0=0 +lon_0=3 +k=0.9996 +x_0=500000 +y_0=0 +ellps=intl", 0.0, 84.0,
+        0.0, 6.0);
+    return c;
+}
+
+SCase &L72() {
+    static SCase c(new CProjection_LAMBERT72(),
+                   "+proj=lcc +lat_0=90 +lon_0=4.367486666666666 +lat_1=51.16666723333333 "
+                   "+lat_2=49.8333339 +x_0=150000.013 +y_0=5400088.438 +ellps=intl",
+                   49.4, 51.6, 2.5, 6.5);
+    return c;
+}
+
+SCase &L2008() {
+    static SCase c(new CProjection_LAMBERT2008(),
+                   "+proj=lcc +lat_0=50.797815 +lon_0=4.359215833333333 +lat_1=49.83333333333334 "
+                   "+lat_2=51.16666666666666 +x_0=649328 +y_0=665262 +ellps=GRS80",
+                   49.4, 51.6, 2.5, 6.5);
     return c;
 }
 
@@ -110,6 +130,33 @@ void OursInverse(benchmark::State &state, SCase &(*get)()) {
     state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(c.x.size()));
 }
 
+// The array forms: the points are laid out as CEllCoord and CVXCoord once, outside the timing.
+void OursArrayForward(benchmark::State &state, SCase &(*get)()) {
+    SCase &c = get();
+    std::vector<CEllCoord> in;
+    for (size_t i = 0; i < c.lat.size(); ++i)
+        in.emplace_back(c.lat[i], c.lon[i], 0.0);
+    std::vector<CVXCoord> out(in.size());
+    for (auto _ : state) {
+        c.pOurs->EllToProjectionArray(in.data(), out.data(), in.size());
+        benchmark::DoNotOptimize(out.data());
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(in.size()));
+}
+
+void OursArrayInverse(benchmark::State &state, SCase &(*get)()) {
+    SCase &c = get();
+    std::vector<CVXCoord> in;
+    for (size_t i = 0; i < c.x.size(); ++i)
+        in.emplace_back(c.x[i], c.y[i], 0.0, 1);
+    std::vector<CEllCoord> out(in.size());
+    for (auto _ : state) {
+        c.pOurs->ProjectionToEllArray(in.data(), out.data(), in.size());
+        benchmark::DoNotOptimize(out.data());
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(in.size()));
+}
+
 // PROJ transforms in place, so each run first copies the input: a plain memory copy, small
 // against the projection work, and the library's runs write their output arrays as well.
 void ProjForward(benchmark::State &state, SCase &(*get)()) {
@@ -138,14 +185,18 @@ void ProjInverse(benchmark::State &state, SCase &(*get)()) {
     state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(c.x.size()));
 }
 
-BENCHMARK_CAPTURE(OursForward, RD, RD)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(ProjForward, RD, RD)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(OursInverse, RD, RD)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(ProjInverse, RD, RD)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(OursForward, UTM, UTM)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(ProjForward, UTM, UTM)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(OursInverse, UTM, UTM)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(ProjInverse, UTM, UTM)->Unit(benchmark::kMillisecond);
+#define VX_BENCH_PROJECTION(name)                                                                  \
+    BENCHMARK_CAPTURE(OursForward, name, name)->Unit(benchmark::kMillisecond);                     \
+    BENCHMARK_CAPTURE(OursArrayForward, name, name)->Unit(benchmark::kMillisecond);                \
+    BENCHMARK_CAPTURE(ProjForward, name, name)->Unit(benchmark::kMillisecond);                     \
+    BENCHMARK_CAPTURE(OursInverse, name, name)->Unit(benchmark::kMillisecond);                     \
+    BENCHMARK_CAPTURE(OursArrayInverse, name, name)->Unit(benchmark::kMillisecond);                \
+    BENCHMARK_CAPTURE(ProjInverse, name, name)->Unit(benchmark::kMillisecond)
+
+VX_BENCH_PROJECTION(RD);
+VX_BENCH_PROJECTION(L72);
+VX_BENCH_PROJECTION(L2008);
+VX_BENCH_PROJECTION(UTM);
 
 // The console output as usual, keeping each run's points per second for the ratios.
 class CRatioReporter : public benchmark::ConsoleReporter {
@@ -161,13 +212,35 @@ public:
     }
 };
 
-void PrintRatio(const CRatioReporter &rep, const char *dir, const char *proj) {
-    const std::string ours = std::string("Ours") + dir + "/" + proj;
-    const std::string theirs = std::string("Proj") + dir + "/" + proj;
-    const auto a = rep.m_rate.find(ours);
-    const auto b = rep.m_rate.find(theirs);
-    if (a == rep.m_rate.end() || b == rep.m_rate.end() || b->second <= 0.0) return;
-    std::printf("%-4s %-8s ours/PROJ throughput: %.2fx\n", proj, dir, a->second / b->second);
+double Rate(const CRatioReporter &rep, const std::string &name) {
+    const auto it = rep.m_rate.find(name);
+    return it == rep.m_rate.end() ? 0.0 : it->second;
+}
+
+// One line: both throughputs in million points per second and the ratio. "fwd+inv" is a forward
+// and an inverse of each point, the harmonic combination of the two rates.
+void PrintLine(const char *proj, const char *what, double ours, double peer) {
+    if (ours <= 0.0 || peer <= 0.0) return;
+    std::printf("%-6s %-14s ours %7.2f M/s  PROJ %7.2f M/s  ours/PROJ %5.2fx\n", proj, what,
+                ours / 1e6, peer / 1e6, ours / peer);
+}
+
+double Both(double fwd, double inv) {
+    return fwd > 0.0 && inv > 0.0 ? 1.0 / (1.0 / fwd + 1.0 / inv) : 0.0;
+}
+
+void PrintRatios(const CRatioReporter &rep, const std::string &proj) {
+    const double pf = Rate(rep, "ProjForward/" + proj);
+    const double pi = Rate(rep, "ProjInverse/" + proj);
+    for (const char *form : {"", "Array"}) {
+        const std::string f(form);
+        const double of = Rate(rep, "Ours" + f + "Forward/" + proj);
+        const double oi = Rate(rep, "Ours" + f + "Inverse/" + proj);
+        const std::string tag = f.empty() ? "point" : "array";
+        PrintLine(proj.c_str(), (tag + " fwd").c_str(), of, pf);
+        PrintLine(proj.c_str(), (tag + " inv").c_str(), oi, pi);
+        PrintLine(proj.c_str(), (tag + " fwd+inv").c_str(), Both(of, oi), Both(pf, pi));
+    }
 }
 
 } // namespace
@@ -179,8 +252,7 @@ int main(int argc, char **argv) {
     benchmark::RunSpecifiedBenchmarks(&rep);
     benchmark::Shutdown();
     std::printf("\n");
-    for (const char *proj : {"RD", "UTM"})
-        for (const char *dir : {"Forward", "Inverse"})
-            PrintRatio(rep, dir, proj);
+    for (const char *proj : {"RD", "L72", "L2008", "UTM"})
+        PrintRatios(rep, proj);
     return 0;
 }

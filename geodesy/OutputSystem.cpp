@@ -57,21 +57,37 @@ CVXString TextLine(const char16_t *key, const CVXString &value) {
 
 } // namespace
 
-namespace {
-thread_local bool t_bBypassProjectionCache = false;
-} // namespace
+std::atomic<bool> g_bProjectionCacheBypass{false};
 
 void SetProjectionCacheBypass(bool bBypass) {
-    t_bBypassProjectionCache = bBypass;
-}
-
-bool bProjectionCacheBypassed() {
-    return t_bBypassProjectionCache;
+    g_bProjectionCacheBypass.store(bBypass, std::memory_order_relaxed);
 }
 
 double dIso(double p, double e) {
     const double es = e * std::sin(p);
     return std::log(std::tan(p / 2.0 + dPi / 4.0)) - (e / 2.0) * std::log((1.0 + es) / (1.0 - es));
+}
+
+SEccentric EccentricOf(double e) {
+    SEccentric k;
+    k.e = e;
+    k.e2 = e * e;
+    k.bSeries = std::fabs(e) <= dFastMaxEcc;
+    double pw = k.e2;
+    for (int i = 0; i < nEccTerms; ++i) {
+        k.c[i] = pw / (2 * i + 1);
+        pw *= k.e2;
+    }
+    k.dInvOneMinusE2 = 1.0 / (1.0 - k.e2);
+    const double e2 = k.e2;
+    const double e4 = e2 * e2;
+    const double e6 = e4 * e2;
+    const double e8 = e4 * e4;
+    k.a2 = e2 / 2 + 5 * e4 / 24 + e6 / 12 + 13 * e8 / 360;
+    k.a4 = 7 * e4 / 48 + 29 * e6 / 240 + 811 * e8 / 11520;
+    k.a6 = 7 * e6 / 120 + 81 * e8 / 1120;
+    k.a8 = 4279 * e8 / 161280;
+    return k;
 }
 
 COutputSystem::COutputSystem(ProjectionType type, CEllipsoid *pEllipsoid, const SParameters &par,
@@ -87,6 +103,25 @@ COutputSystem::COutputSystem(ProjectionType type, CEllipsoid *pEllipsoid, const 
         m_szProjectionName.LoadString(e->nDisplayId);
         m_szTrav3ProjectionName.LoadString(e->nKeywordId);
     }
+}
+
+bool CProjectionConstants::bPublish(std::unique_ptr<SBlock> &block) {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_nBlocks == nMaxBlocks) return false;
+    m_aBlocks[m_nBlocks] = std::move(block);
+    m_pCurrent.store(m_aBlocks[m_nBlocks].get(), std::memory_order_release);
+    ++m_nBlocks;
+    return true;
+}
+
+void COutputSystem::EllToProjectionArray(const CEllCoord *in, CVXCoord *out, std::size_t n) {
+    for (std::size_t i = 0; i < n; ++i)
+        EllToProjection(out[i], in[i]);
+}
+
+void COutputSystem::ProjectionToEllArray(const CVXCoord *in, CEllCoord *out, std::size_t n) {
+    for (std::size_t i = 0; i < n; ++i)
+        ProjectionToEll(out[i], in[i]);
 }
 
 COutputSystem::~COutputSystem() {
@@ -145,20 +180,11 @@ void COutputSystem::LOCAL2ETRS(CEllCoord &ell, const CVXCoord &xy) {
     ProjectionToEll(ell, xy);
 }
 
-double COutputSystem::dWrapLon(double lon) const {
-    const double d = lon - m_dLonOriginCM;
+double COutputSystem::dWrapLonFull(double d) {
     double q = d * 0.5 / dPi;
     q += q > 0.0 ? 0.5 : -0.5;
     q = q > 0.0 ? std::floor(q) : std::ceil(q);
     return d - q * dTwoPi;
-}
-
-double COutputSystem::dLonOut(double lon, bool bAtFullTurn) {
-    if (lon < 0.0)
-        lon += dTwoPi;
-    else if (bAtFullTurn ? lon >= dTwoPi : lon > dTwoPi)
-        lon -= dTwoPi;
-    return lon;
 }
 
 void COutputSystem::SetProjected(CVXCoord &xy, double x, double y, double h) {

@@ -15,11 +15,51 @@
 #include "persist/SerObject.h"
 #include "platform/VXString.h"
 
+#include <atomic>
+#include <cmath>
+#include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <mutex>
 
 namespace vx VX_API {
 
 class CVXCoord;
+
+// The constants a projection derives from its parameters, kept with the object so that they are
+// computed once per parameter set (the block's type and its key live in geodesy/ProjMath.h).
+// Blocks are immutable once published, so several threads may use one object at once; a change
+// of parameters publishes a new block and keeps the old one alive until the object dies, for a
+// reader that may still hold it. After nMaxBlocks parameter sets nothing more is kept and each
+// call computes its constants afresh: slower, never wrong, and memory stays bounded. A copy
+// starts empty and computes its own.
+class CProjectionConstants {
+public:
+    struct SBlock {
+        explicit SBlock(const void *pTag) : m_pTag(pTag) {}
+        virtual ~SBlock() = default;
+        SBlock(const SBlock &) = delete;
+        SBlock &operator=(const SBlock &) = delete;
+        const void *m_pTag; // tells the block types apart
+    };
+    static constexpr std::size_t nMaxBlocks = 8;
+
+    CProjectionConstants() = default;
+    CProjectionConstants(const CProjectionConstants &) noexcept {}
+    CProjectionConstants &operator=(const CProjectionConstants &) noexcept { return *this; }
+    ~CProjectionConstants() = default;
+
+    const SBlock *pCurrent() const { return m_pCurrent.load(std::memory_order_acquire); }
+    // Takes `block` and makes it current; leaves it with the caller and returns false when the
+    // room for blocks is used up.
+    bool bPublish(std::unique_ptr<SBlock> &block);
+
+private:
+    std::atomic<const SBlock *> m_pCurrent{nullptr};
+    std::mutex m_mutex;
+    std::unique_ptr<SBlock> m_aBlocks[nMaxBlocks];
+    std::size_t m_nBlocks = 0;
+};
 
 // The projection types; the numbers are those of stored files and host settings.
 enum ProjectionType : int32_t {
@@ -73,6 +113,13 @@ public:
     virtual COutputSystem *pCopy() const = 0;
     virtual void EllToProjection(CVXCoord &xy, CEllCoord ell) = 0;
     virtual void ProjectionToEll(CEllCoord &ell, CVXCoord xy) = 0;
+    // The same for n points at once, for bulk conversions: in[i] to out[i]. The results are
+    // bit-identical to n single calls. This base form makes the n calls; the plain projections
+    // run their formulas directly over the arrays, several points at a time, so that the
+    // processor overlaps their independent chains of libm calls. A class that overrides the
+    // point forms is served by this base form unless it overrides these as well.
+    virtual void EllToProjectionArray(const CEllCoord *in, CVXCoord *out, std::size_t n);
+    virtual void ProjectionToEllArray(const CVXCoord *in, CEllCoord *out, std::size_t n);
     // ETRS89 geographic to the local grid and back. Without a datum model of its own a
     // projection counts its geographic coordinates as ETRS89: these are the bare projection.
     virtual void ETRS2LOCAL(double lat, double lon, double h, double *x, double *y, double *z);
@@ -166,15 +213,47 @@ protected:
                   const char *szEditFlags);
 
     // The wrapped difference lon - lon0 in [-pi, pi]; absorbs the [0, 2*pi) longitudes of
-    // XYZToEll.
-    double dWrapLon(double lon) const;
+    // XYZToEll. Below 3 in magnitude the rule leaves d = lon - lon0 as it is (the quotient
+    // rounds to 0, and d - 0 * 2pi turns -0 into +0, as d + 0.0 does): that case, nearly every
+    // point, is taken here without the two roundings.
+    double dWrapLon(double lon) const {
+        const double d = lon - m_dLonOriginCM;
+        return std::fabs(d) < dWrapShortcut ? d + 0.0 : dWrapLonFull(d);
+    }
+    static constexpr double dWrapShortcut = 3.0;
+    // The rule itself on a difference d.
+    static double dWrapLonFull(double d);
     // An output longitude into [0, 2*pi): below 0 gains 2*pi, above 2*pi (at or above for the
     // TM family, bAtFullTurn) loses it.
-    static double dLonOut(double lon, bool bAtFullTurn);
+    static double dLonOut(double lon, bool bAtFullTurn) {
+        if (lon < 0.0)
+            lon += dFullTurn;
+        else if (bAtFullTurn ? lon >= dFullTurn : lon > dFullTurn)
+            lon -= dFullTurn;
+        return lon;
+    }
+    static constexpr double dFullTurn = 6.283185307179586;
+    // The loops of the array forms over a point formula: fwd(lat, dLon, x, y) gets the wrapped
+    // longitude difference, inv(x, y, lat, lon) gives the longitude before it is brought into
+    // [0, 2*pi) (bAtFullTurn as in dLonOut); heights are carried over.
+    // (The plane point is a template parameter, CVXCoord, as this header only declares it.)
+    template <class XY, class FWD>
+    void ForwardLoop(const CEllCoord *in, XY *out, std::size_t n, FWD fwd) const {
+        for (std::size_t i = 0; i < n; ++i) {
+            double x = 0.0;
+            double y = 0.0;
+            fwd(in[i].dGetLat(), dWrapLon(in[i].dGetLon()), x, y);
+            SetProjected(out[i], x, y, in[i].dGetHgt());
+        }
+    }
+    template <class XY, class INV>
+    static void InverseLoop(const XY *in, CEllCoord *out, std::size_t n, bool bAtFullTurn, INV inv);
     // Stores a projected position and the height, marking x and y as known.
     static void SetProjected(CVXCoord &xy, double x, double y, double h);
 
     CEllipsoid *m_pEllipsoid;
+    // Derived constants of the concrete projection (not stored; see CProjectionConstants).
+    mutable CProjectionConstants m_Constants;
     double m_dLonOriginCM;
     double m_dLatOrigin;
     double m_dStandPar1;
@@ -189,6 +268,18 @@ protected:
     CVXString m_szTrav3ProjectionName;
     CVXString m_szTransformationName;
 };
+
+template <class XY, class INV>
+void COutputSystem::InverseLoop(const XY *in, CEllCoord *out, std::size_t n, bool bAtFullTurn,
+                                INV inv) {
+    for (std::size_t i = 0; i < n; ++i) {
+        double lat = 0.0;
+        double lon = 0.0;
+        inv(in[i].dGetX(), in[i].dGetY(), lat, lon);
+        out[i].SetLatLon(lat, dLonOut(lon, bAtFullTurn));
+        out[i].SetHgt(in[i].dGetZ());
+    }
+}
 
 // Finds the projection type of a keyword ("RD", "UTM_NORTH", ...), by the keyword texts of the
 // string table in table order.

@@ -7,6 +7,7 @@
 #include "persist/ArchiveX.h"
 
 #include <cmath>
+#include <typeinfo>
 
 namespace vx {
 
@@ -61,39 +62,144 @@ void CProjection_LB::SerializeB(CArchiveB &ar) {
         ar >> m_dProjScaleFac0 >> m_dStandPar0;
 }
 
-void CProjection_LB::EllToProjection(CVXCoord &xy, CEllCoord ell) {
-    const double e = dGetEccentr();
-    const double p0 = m_dStandPar0;
-    const double s0 = std::sin(p0);
-    const double T = dNRadCurv(p0) * m_dProjScaleFac0 / std::tan(p0);
-    const double I0 = IsoLB(p0, e);
-    const double g = std::exp(-s0 * (IsoLB(ell.dGetLat(), e) - I0));
-    const double g0 = std::exp(-s0 * (IsoLB(m_dLatOrigin, e) - I0));
-    const double th = s0 * dWrapLon(ell.dGetLon());
-    const double x = T * g * std::sin(th) + m_dFalseEasting;
-    const double y = T * (1.0 - g * std::cos(th)) + m_dFalseNorthing - T * (1.0 - g0);
-    SetProjected(xy, x, y, ell.dGetHgt());
+// The constants of the one-parallel form, kept per parameter set: s0 = sin p0, T the radius
+// of the parallel p0 over tan p0, I0 = I(p0), g0 the cone's factor at the latitude of origin,
+// Tg0 = T (1 - g0) the northing offset of the origin, and the ellipsoid's series.
+struct SLBConst {
+    double e, s0, T, I0, g0, Tg0;
+    SEccentric ecc;
+};
+
+namespace {
+
+SLBConst LBConst(const CEllipsoid &ell, double p0, double k0, double lat0) {
+    SLBConst c{};
+    c.e = ell.dGetEccentr();
+    c.s0 = std::sin(p0);
+    c.T = ell.dNRadCurv(p0) * k0 / std::tan(p0);
+    c.I0 = IsoLB(p0, c.e);
+    c.g0 = std::exp(-c.s0 * (IsoLB(lat0, c.e) - c.I0));
+    c.Tg0 = c.T * (1.0 - c.g0);
+    c.ecc = EccentricOf(c.e);
+    return c;
 }
 
-void CProjection_LB::ProjectionToEll(CEllCoord &ell, CVXCoord xy) {
-    const double e = dGetEccentr();
-    const double p0 = m_dStandPar0;
-    const double s0 = std::sin(p0);
-    const double T = dNRadCurv(p0) * m_dProjScaleFac0 / std::tan(p0);
-    const double I0 = IsoLB(p0, e);
-    const double g0 = std::exp(-s0 * (IsoLB(m_dLatOrigin, e) - I0));
-    const double Y = T - (T * (1.0 - g0) + xy.dGetY() - m_dFalseNorthing);
-    const double th = std::atan((xy.dGetX() - m_dFalseEasting) / Y);
-    const double lon = th / s0 + m_dLonOriginCM;
+struct SLBPlane {
+    double lon0, FE, FN;
+};
+
+// The literal forward, for the poles and NaN.
+void ForwardLiteral(const SLBConst &c, const SLBPlane &pl, double lat, double dLon, double &x,
+                    double &y) {
+    const double g = std::exp(-c.s0 * (IsoLB(lat, c.e) - c.I0));
+    const double th = c.s0 * dLon;
+    x = c.T * g * std::sin(th) + pl.FE;
+    y = c.T * (1.0 - g * std::cos(th)) + pl.FN - c.Tg0;
+}
+
+// The forward with the isometric latitude in its fast form (geodesy/ProjMath.h).
+void Forward(const SLBConst &c, const SLBPlane &pl, double lat, double dLon, double &x, double &y) {
+    if (!c.ecc.bSeries || !(std::fabs(lat) <= dFastLatLimit)) {
+        ForwardLiteral(c, pl, lat, dLon, x, y);
+        return;
+    }
+    double sl = 0.0, cl = 0.0, sth = 0.0, cth = 0.0;
+    SinCos(lat, sl, cl);
+    const double th = c.s0 * dLon;
+    SinCos(th, sth, cth);
+    const double g = std::exp(-c.s0 * (dIsoFast(c.ecc, sl, cl) - c.I0));
+    x = c.T * g * sth + pl.FE;
+    y = c.T * (1.0 - g * cth) + pl.FN - c.Tg0;
+}
+
+// The literal inverse: the fixed-point rounds on the latitude.
+void InverseLiteral(const SLBConst &c, const SLBPlane &pl, double x, double y, double &lat,
+                    double &lon) {
+    const double e = c.e;
+    const double Y = c.T - (c.Tg0 + y - pl.FN);
+    const double th = std::atan((x - pl.FE) / Y);
+    lon = th / c.s0 + pl.lon0;
     const double rho = Y / std::cos(th);
-    const double uIso = -std::log(rho / T) / s0 + I0;
-    const double lat = IterateLatitude(uIso, [&](double p) {
+    const double uIso = -std::log(rho / c.T) / c.s0 + c.I0;
+    lat = IterateLatitude(uIso, [&](double p) {
         const double es = e * std::sin(p);
         return 2.0 * std::atan(std::pow((1.0 + es) / (1.0 - es), e / 2.0) * std::exp(uIso)) -
                dPi / 2.0;
     });
-    ell.SetLatLon(lat, dLonOut(lon, false));
-    ell.SetHgt(xy.dGetZ());
+}
+
+// The inverse with rho = Y / cos(atan(X / Y)) as sign(Y) sqrt(X^2 + Y^2) and the latitude of
+// the isometric latitude in its fast form; the apex (Y = 0), the poles and NaN take the literal
+// form.
+void Inverse(const SLBConst &c, const SLBPlane &pl, double x, double y, double &lat, double &lon) {
+    const double X = x - pl.FE;
+    const double Y = c.T - (c.Tg0 + y - pl.FN);
+    const double rho = std::copysign(std::sqrt(X * X + Y * Y), Y);
+    const double uIso = -std::log(rho / c.T) / c.s0 + c.I0;
+    if (!c.ecc.bSeries || Y == 0.0 || !(std::fabs(uIso) <= dFastIsoLimit)) {
+        InverseLiteral(c, pl, x, y, lat, lon);
+        return;
+    }
+    lon = std::atan(X / Y) / c.s0 + pl.lon0;
+    lat = dLatOfIsoFast(c.ecc, uIso);
+}
+
+} // namespace
+
+const SLBConst &CProjection_LB::Constants(std::optional<SLBConst> &scratch) const {
+    const CEllipsoid &ell = *m_pEllipsoid;
+    return KeptConstants(
+        m_Constants, scratch,
+        [&] { return LBConst(ell, m_dStandPar0, m_dProjScaleFac0, m_dLatOrigin); },
+        ell.dGetSemiMajAx(), ell.dGetEccentr(), m_dStandPar0, m_dProjScaleFac0, m_dLatOrigin);
+}
+
+void CProjection_LB::EllToProjection(CVXCoord &xy, CEllCoord ell) {
+    LBEllToProjection(&ell, &xy, 1);
+}
+
+void CProjection_LB::ProjectionToEll(CEllCoord &ell, CVXCoord xy) {
+    LBProjectionToEll(&xy, &ell, 1);
+}
+
+void CProjection_LB::LBEllToProjection(const CEllCoord *in, CVXCoord *out, std::size_t n) {
+    std::optional<SLBConst> scratch;
+    const SLBConst &c = Constants(scratch);
+    const SLBPlane pl{m_dLonOriginCM, m_dFalseEasting, m_dFalseNorthing};
+    ForwardLoop(in, out, n, [&c, pl](double lat, double dLon, double &x, double &y) {
+        Forward(c, pl, lat, dLon, x, y);
+    });
+}
+
+void CProjection_LB::LBProjectionToEll(const CVXCoord *in, CEllCoord *out, std::size_t n) {
+    std::optional<SLBConst> scratch;
+    const SLBConst &c = Constants(scratch);
+    const SLBPlane pl{m_dLonOriginCM, m_dFalseEasting, m_dFalseNorthing};
+    InverseLoop(in, out, n, false, [&c, pl](double x, double y, double &lat, double &lon) {
+        Inverse(c, pl, x, y, lat, lon);
+    });
+}
+
+// The grid-corrected Lambert 72 overrides the point forms and gets the base form of the arrays
+// (its point forms), as does a host's class; the plain types the direct loop.
+void CProjection_LB::EllToProjectionArray(const CEllCoord *in, CVXCoord *out, std::size_t n) {
+    if (bOwnPointForms())
+        LBEllToProjection(in, out, n);
+    else
+        COutputSystem::EllToProjectionArray(in, out, n);
+}
+
+void CProjection_LB::ProjectionToEllArray(const CVXCoord *in, CEllCoord *out, std::size_t n) {
+    if (bOwnPointForms())
+        LBProjectionToEll(in, out, n);
+    else
+        COutputSystem::ProjectionToEllArray(in, out, n);
+}
+
+bool CProjection_LB::bOwnPointForms() const {
+    const std::type_info &t = typeid(*this);
+    return t == typeid(CProjection_LB_LAMBERT1) || t == typeid(CProjection_LB_LAMBERT2) ||
+           t == typeid(CProjection_LAMBERT72) || t == typeid(CProjection_LAMBERT2008);
 }
 
 CProjection_LB_LAMBERT1::CProjection_LB_LAMBERT1()

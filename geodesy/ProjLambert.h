@@ -4,15 +4,20 @@
 // them from its parameters, LAMBERT2 derives them from two standard parallels (Parallel()).
 // LAMBERT72 and LAMBERT2008 are LAMBERT2 with the fixed parameters of the Belgian grids;
 // LAMBERT72Old is the older closed form of Lambert 72 with its own constants, kept for archives.
-// Forward is closed; the inverse latitude is a fixed-point iteration (at most 10 rounds, to
-// 1e-12 rad).
+// Forward is closed; the inverse latitude is that of a fixed-point iteration (at most 10 rounds,
+// to 1e-12 rad), reached by one Newton step from a series where that is proven as close (see
+// geodesy/ProjMath.h). The constants of the cone are kept in the object per parameter set.
 #pragma once
 
 #include "platform/VXExport.h"
 
 #include "geodesy/OutputSystem.h"
 
+#include <optional>
+
 namespace vx VX_API {
+
+struct SLBConst;
 
 class CProjection_LB : public COutputSystem {
 public:
@@ -24,6 +29,8 @@ public:
 
     void EllToProjection(CVXCoord &xy, CEllCoord ell) override;
     void ProjectionToEll(CEllCoord &ell, CVXCoord xy) override;
+    void EllToProjectionArray(const CEllCoord *in, CVXCoord *out, std::size_t n) override;
+    void ProjectionToEllArray(const CVXCoord *in, CEllCoord *out, std::size_t n) override;
 
     double dGetStandPar0() const { return m_dStandPar0; }
     double dGetProjScaleFac0() const { return m_dProjScaleFac0; }
@@ -34,6 +41,13 @@ protected:
 
     double m_dStandPar0 = 0.0;
     double m_dProjScaleFac0 = 1.0;
+
+private:
+    // The constants of the cone, kept per parameter set.
+    const SLBConst &Constants(std::optional<SLBConst> &scratch) const;
+    void LBEllToProjection(const CEllCoord *in, CVXCoord *out, std::size_t n);
+    void LBProjectionToEll(const CVXCoord *in, CEllCoord *out, std::size_t n);
+    bool bOwnPointForms() const;
 };
 
 class CProjection_LB_LAMBERT1 : public CProjection_LB {

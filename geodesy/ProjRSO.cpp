@@ -28,6 +28,8 @@ double GuardedAtan(double num, double den) {
     return std::atan(num / den);
 }
 
+} // namespace
+
 // The constants of the aposphere for one ellipsoid, origin and scale.
 struct SRSOConst {
     double e;     // first eccentricity
@@ -36,6 +38,8 @@ struct SRSOConst {
     double lnH;   // acosh(D) - B Iso(lat0): the offset of the isometric latitudes
     double dLon0; // longitude of the natural origin minus that of the centre
 };
+
+namespace {
 
 SRSOConst RSOConst(double a, double invFlatt, double lat0, double k, double g) {
     const double b = (1.0 - 1.0 / invFlatt) * a;
@@ -77,9 +81,19 @@ double CProjection_RSO::dIsoToGeoLat(double iso, double e) {
     return p;
 }
 
+const SRSOConst &CProjection_RSO::Constants(std::optional<SRSOConst> &scratch) const {
+    const double a = dGetSemiMajAx();
+    const double invFlatt = dGetInvFlatt();
+    return KeptConstants(
+        m_Constants, scratch,
+        [&] { return RSOConst(a, invFlatt, m_dLatOrigin, m_dProjScaleFac, m_dSkew); }, a, invFlatt,
+        m_dLatOrigin, m_dProjScaleFac, m_dSkew);
+}
+
 void CProjection_RSO::EllToProjection(CVXCoord &xy, CEllCoord ell) {
     const double g = m_dSkew;
-    const SRSOConst c = RSOConst(dGetSemiMajAx(), dGetInvFlatt(), m_dLatOrigin, m_dProjScaleFac, g);
+    std::optional<SRSOConst> scratch;
+    const SRSOConst &c = Constants(scratch);
     const double Q = std::exp(c.lnH + c.B * dGeoLatToIso(ell.dGetLat(), c.e));
     const double S = (Q - 1.0 / Q) / 2.0;
     const double T = (Q + 1.0 / Q) / 2.0;
@@ -95,7 +109,8 @@ void CProjection_RSO::EllToProjection(CVXCoord &xy, CEllCoord ell) {
 
 void CProjection_RSO::ProjectionToEll(CEllCoord &ell, CVXCoord xy) {
     const double g = m_dSkew;
-    const SRSOConst c = RSOConst(dGetSemiMajAx(), dGetInvFlatt(), m_dLatOrigin, m_dProjScaleFac, g);
+    std::optional<SRSOConst> scratch;
+    const SRSOConst &c = Constants(scratch);
     const double dx = xy.dGetX() - m_dFalseEasting;
     const double dy = xy.dGetY() - m_dFalseNorthing;
     const double v = dx * std::cos(g) - dy * std::sin(g);

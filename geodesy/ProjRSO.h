@@ -5,15 +5,19 @@
 // The longitude of origin is the longitude of the projection centre on the initial line; the
 // skew angle serves both as the angle of the initial line on the aposphere at the centre and as
 // the angle from the rectified to the skew grid, so the azimuth of the initial line follows from
-// it. Constants are derived from a and 1/f at each call. Forward is closed; the inverse latitude
-// comes from the isometric latitude by fixed-point steps to 1e-15.
+// it. Constants are derived from a and 1/f once per parameter set and kept. Forward is closed; the
+// inverse latitude comes from the isometric latitude by fixed-point steps to 1e-15.
 #pragma once
 
 #include "platform/VXExport.h"
 
 #include "geodesy/OutputSystem.h"
 
+#include <optional>
+
 namespace vx VX_API {
+
+struct SRSOConst;
 
 class CProjection_RSO : public COutputSystem {
 public:
@@ -31,6 +35,10 @@ protected:
                     const char *szEditFlags, double dSkew);
 
     double m_dSkew;
+
+private:
+    // The constants of the aposphere, kept per parameter set (the skew included).
+    const SRSOConst &Constants(std::optional<SRSOConst> &scratch) const;
 };
 
 class CProjection_BRSO : public CProjection_RSO {

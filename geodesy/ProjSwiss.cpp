@@ -28,6 +28,22 @@ double Eccentricity() {
 
 } // namespace
 
+// The spherical latitude of origin b0 with its sine and cosine, kept per latitude of origin.
+struct SSwissOrigin {
+    double b0, sinB0, cosB0;
+};
+
+const SSwissOrigin &CProjection_SWISS::Origin(std::optional<SSwissOrigin> &scratch) const {
+    const double lat0 = m_dLatOrigin;
+    return KeptConstants(
+        m_Constants, scratch,
+        [lat0] {
+            const double b0 = std::asin(std::sin(lat0) / dAlpha);
+            return SSwissOrigin{b0, std::sin(b0), std::cos(b0)};
+        },
+        lat0);
+}
+
 CProjection_SWISS::CProjection_SWISS() : CProjection_SWISS(2600000.0, 1200000.0) {}
 
 CProjection_SWISS::CProjection_SWISS(double east, double north)
@@ -47,27 +63,26 @@ void CProjection_SWISS::EllToProjection(CVXCoord &xy, CEllCoord ell) {
     const double q = std::log((1.0 + es) / (1.0 - es)) * e * dHalfAlpha +
                      std::log(std::tan(dPi / 4.0 - lat / 2.0)) * dAlpha;
     const double b = 2.0 * (std::atan(std::exp(dK - q)) - dPi / 4.0);
-    const double b0 = std::asin(std::sin(m_dLatOrigin) / dAlpha);
+    std::optional<SSwissOrigin> scratch;
+    const SSwissOrigin &o = Origin(scratch);
     // No wrapping here: the Swiss grid never reaches the antimeridian.
     const double l = (ell.dGetLon() - m_dLonOriginCM) * dAlpha;
-    const double sb = std::sin(b) * std::cos(b0) - std::cos(b) * std::sin(b0) * std::cos(l);
-    const double x =
-        std::atan(std::sin(l) / (std::tan(b) * std::sin(b0) + std::cos(l) * std::cos(b0))) * dR +
-        m_dFalseEasting;
+    const double sb = std::sin(b) * o.cosB0 - std::cos(b) * o.sinB0 * std::cos(l);
+    const double x = std::atan(std::sin(l) / (std::tan(b) * o.sinB0 + std::cos(l) * o.cosB0)) * dR +
+                     m_dFalseEasting;
     const double y = std::log((1.0 + sb) / (1.0 - sb)) * dHalfR + m_dFalseNorthing;
     SetProjected(xy, x, y, ell.dGetHgt());
 }
 
 void CProjection_SWISS::ProjectionToEll(CEllCoord &ell, CVXCoord xy) {
     const double e = Eccentricity();
-    const double b0 = std::asin(std::sin(m_dLatOrigin) / dAlpha);
+    std::optional<SSwissOrigin> scratch;
+    const SSwissOrigin &o = Origin(scratch);
     const double bb = 2.0 * (std::atan(std::exp((xy.dGetY() - m_dFalseNorthing) / dR)) - dPi / 4.0);
     const double l = (xy.dGetX() - m_dFalseEasting) / dR;
-    const double b =
-        std::asin(std::sin(bb) * std::cos(b0) + std::cos(bb) * std::sin(b0) * std::cos(l));
+    const double b = std::asin(std::sin(bb) * o.cosB0 + std::cos(bb) * o.sinB0 * std::cos(l));
     const double lon =
-        std::atan(std::sin(l) / (std::cos(b0) * std::cos(l) - std::tan(bb) * std::sin(b0))) /
-            dAlpha +
+        std::atan(std::sin(l) / (o.cosB0 * std::cos(l) - std::tan(bb) * o.sinB0)) / dAlpha +
         m_dLonOriginCM;
     const double iso = (std::log(std::tan(b / 2.0 + dPi / 4.0)) - dK) * dInvAlpha;
     double p = b;

@@ -7,7 +7,11 @@
 
 #include "geodesy/OutputSystem.h"
 
+#include <optional>
+
 namespace vx VX_API {
+
+struct SSwissOrigin;
 
 class CProjection_SWISS : public COutputSystem {
     VX_DECLARE_SERIAL(CProjection_SWISS)
@@ -18,6 +22,10 @@ public:
     COutputSystem *pCopy() const override;
     void EllToProjection(CVXCoord &xy, CEllCoord ell) override;
     void ProjectionToEll(CEllCoord &ell, CVXCoord xy) override;
+
+private:
+    // The spherical latitude of origin, kept per latitude of origin.
+    const SSwissOrigin &Origin(std::optional<SSwissOrigin> &scratch) const;
 };
 
 } // namespace VX_API

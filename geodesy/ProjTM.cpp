@@ -5,6 +5,7 @@
 #include "geometry/VXCoord.h"
 
 #include <cmath>
+#include <typeinfo>
 
 namespace vx {
 
@@ -48,94 +49,158 @@ STMConst TMConst(double a, double e) {
     return k;
 }
 
-// The meridian arc from the equator to latitude p.
-double Arc(const STMConst &k, double p) {
-    const double C = std::cos(p) * std::cos(p);
-    return k.G * p +
-           std::sin(p) * std::cos(p) * (k.A1 + k.A2 * C + k.A3 * C * C + k.A4 * C * C * C);
+// The meridian arc from the equator to latitude p, from sin p and cos p.
+double Arc(const STMConst &k, double p, double sp, double cp) {
+    const double C = cp * cp;
+    return k.G * p + sp * cp * (k.A1 + k.A2 * C + k.A3 * C * C + k.A4 * C * C * C);
 }
 
+// The footpoint latitude of the rectifying latitude m.
+double Footpoint(const STMConst &k, double m) {
+    double sm = 0.0, cm = 0.0;
+    SinCos(m, sm, cm);
+    const double C = cm * cm;
+    return m + sm * cm * (k.B1 + k.B2 * C + k.B3 * C * C + k.B4 * C * C * C);
+}
+
+} // namespace
+
 // What depends on the parameters alone: the ellipsoid's constants and the scaled meridian arc to
-// the latitude of origin, computed once per parameter set instead of at every point.
+// the latitude of origin, computed once per parameter set and kept in the object.
 struct STMFixed {
     STMConst c;
     double kArc0;
 };
 
-const STMFixed &Fixed(double a, double e, double lat0, double k) {
-    return CachedPerThread(
-        [&] {
-            STMFixed fx{TMConst(a, e), 0.0};
-            fx.kArc0 = k * Arc(fx.c, lat0);
-            return fx;
-        },
-        a, e, lat0, k);
+namespace {
+
+STMFixed TMFixed(double a, double e, double lat0, double k) {
+    STMFixed fx{TMConst(a, e), 0.0};
+    fx.kArc0 = k * Arc(fx.c, lat0, std::sin(lat0), std::cos(lat0));
+    return fx;
 }
 
-// The footpoint latitude of the rectifying latitude m.
-double Footpoint(const STMConst &k, double m) {
-    const double C = std::cos(m) * std::cos(m);
-    return m + std::sin(m) * std::cos(m) * (k.B1 + k.B2 * C + k.B3 * C * C + k.B4 * C * C * C);
-}
+// The plane parameters of one call.
+struct STMPlane {
+    double k, FE, FN;
+};
 
-} // namespace
-
-void CProjection_TM::EllToProjection(CVXCoord &xy, CEllCoord ell) {
-    const STMFixed &fx = Fixed(dGetSemiMajAx(), dGetEccentr(), m_dLatOrigin, m_dProjScaleFac);
+// The series forward. sin and cos of the latitude are taken once and tan is their quotient; the
+// literal form took the cosine six times (the compiler may not merge libm calls, which may set
+// errno) and the tangent by its own call. The quotient differs from tan in the last bit at most;
+// the tests hold the results to the literal series and to its long double evaluation.
+void Forward(const STMFixed &fx, const STMPlane &pl, double phi, double dLon, double &x,
+             double &y) {
     const STMConst &c = fx.c;
-    const double k = m_dProjScaleFac;
-    const double phi = ell.dGetLat();
-    const double sphi = std::sin(phi);
+    const double k = pl.k;
+    double sphi = 0.0, cphi = 0.0;
+    SinCos(phi, sphi, cphi);
     const double N = k * c.a / std::sqrt(1.0 - c.e * c.e * sphi * sphi);
-    const double t = std::tan(phi);
+    const double t = sphi / cphi;
     const double t2 = t * t;
     const double t4 = t2 * t2;
-    const double h = c.E * std::cos(phi) * std::cos(phi);
-    const double L = dWrapLon(ell.dGetLon()) * std::cos(phi);
+    const double h = c.E * cphi * cphi;
+    const double L = dLon * cphi;
     const double L2 = L * L;
-    const double x =
-        N * L *
+    x = N * L *
             (1.0 + L2 * ((1.0 - t2 + h) * (1.0 / 6) +
                          L2 * ((5.0 - 18.0 * t2 + t4 + (14.0 - 58.0 * t2) * h) * (1.0 / 120) +
                                (61.0 - 479.0 * t2 + 179.0 * t4 - t4 * t2) * (1.0 / 5040) * L2))) +
-        m_dFalseEasting;
-    const double y =
-        k * Arc(c, phi) - fx.kArc0 + m_dFalseNorthing +
+        pl.FE;
+    y = k * Arc(c, phi, sphi, cphi) - fx.kArc0 + pl.FN +
         N * 0.5 * t * L2 *
             (1.0 + L2 * (((4.0 * h + 9.0) * h + 5.0 - t2) * (1.0 / 12) +
                          ((270.0 - 330.0 * t2) * h + 61.0 - 58.0 * t2 + t4) * (1.0 / 360) * L2));
-    SetProjected(xy, x, y, ell.dGetHgt());
 }
 
-void CProjection_TM::ProjectionToEll(CEllCoord &ell, CVXCoord xy) {
-    const STMFixed &fx = Fixed(dGetSemiMajAx(), dGetEccentr(), m_dLatOrigin, m_dProjScaleFac);
+// The series inverse; lon is the longitude before it is brought into [0, 2*pi).
+void Inverse(const STMFixed &fx, const STMPlane &pl, double lon0, double x, double y, double &lat,
+             double &lon) {
     const STMConst &c = fx.c;
-    const double k = m_dProjScaleFac;
-    const double m = ((xy.dGetY() - m_dFalseNorthing) + fx.kArc0) / (k * c.G);
+    const double k = pl.k;
+    const double m = ((y - pl.FN) + fx.kArc0) / (k * c.G);
     const double f = Footpoint(c, m);
-    const double sf = std::sin(f);
-    const double t = std::tan(f);
+    double sf = 0.0, cf = 0.0;
+    SinCos(f, sf, cf);
+    const double t = sf / cf;
     const double t2 = t * t;
     const double t4 = t2 * t2;
-    const double h = c.E * std::cos(f) * std::cos(f);
-    const double Q =
-        (xy.dGetX() - m_dFalseEasting) / (k * c.a / std::sqrt(1.0 - c.e * c.e * sf * sf));
+    const double h = c.E * cf * cf;
+    const double Q = (x - pl.FE) / (k * c.a / std::sqrt(1.0 - c.e * c.e * sf * sf));
     const double Q2 = Q * Q;
-    const double lat =
+    lat =
         f - 0.5 * t * (h + 1.0) * Q2 *
                 (1.0 + Q2 * (-(5.0 + 3.0 * t2 + (1.0 - 9.0 * t2) * h - 4.0 * h * h) * (1.0 / 12) +
                              (61.0 + 90.0 * t2 + 45.0 * t4 + (46.0 - 252.0 * t2 - 90.0 * t4) * h) *
                                  (1.0 / 360) * Q2));
-    const double lon =
-        m_dLonOriginCM +
+    lon =
+        lon0 +
         Q *
             (1.0 + Q2 * (-(1.0 + 2.0 * t2 + h) * (1.0 / 6) +
                          Q2 * ((5.0 + 28.0 * t2 + 24.0 * t4 + (6.0 + 8.0 * t2) * h) * (1.0 / 120) -
                                (61.0 + 662.0 * t2 + 1320.0 * t4 + 720.0 * t4 * t2) * (1.0 / 5040) *
                                    Q2))) /
-            std::cos(f);
-    ell.SetLatLon(lat, dLonOut(lon, true));
-    ell.SetHgt(xy.dGetZ());
+            cf;
+}
+
+} // namespace
+
+const STMFixed &CProjection_TM::Fixed(std::optional<STMFixed> &scratch) const {
+    const double a = dGetSemiMajAx();
+    const double e = dGetEccentr();
+    const double lat0 = m_dLatOrigin;
+    const double k = m_dProjScaleFac;
+    return KeptConstants(
+        m_Constants, scratch, [&] { return TMFixed(a, e, lat0, k); }, a, e, lat0, k);
+}
+
+void CProjection_TM::EllToProjection(CVXCoord &xy, CEllCoord ell) {
+    TMEllToProjection(&ell, &xy, 1);
+}
+
+void CProjection_TM::ProjectionToEll(CEllCoord &ell, CVXCoord xy) {
+    TMProjectionToEll(&xy, &ell, 1);
+}
+
+void CProjection_TM::TMEllToProjection(const CEllCoord *in, CVXCoord *out, std::size_t n) {
+    std::optional<STMFixed> scratch;
+    const STMFixed &fx = Fixed(scratch);
+    const STMPlane pl{m_dProjScaleFac, m_dFalseEasting, m_dFalseNorthing};
+    ForwardLoop(in, out, n, [&fx, pl](double lat, double dLon, double &x, double &y) {
+        Forward(fx, pl, lat, dLon, x, y);
+    });
+}
+
+void CProjection_TM::TMProjectionToEll(const CVXCoord *in, CEllCoord *out, std::size_t n) {
+    std::optional<STMFixed> scratch;
+    const STMFixed &fx = Fixed(scratch);
+    const STMPlane pl{m_dProjScaleFac, m_dFalseEasting, m_dFalseNorthing};
+    const double lon0 = m_dLonOriginCM;
+    InverseLoop(in, out, n, true, [&fx, pl, lon0](double x, double y, double &lat, double &lon) {
+        Inverse(fx, pl, lon0, x, y, lat, lon);
+    });
+}
+
+// The four types share the point forms; a host's class that overrides those gets the base form
+// of the arrays (its point forms).
+void CProjection_TM::EllToProjectionArray(const CEllCoord *in, CVXCoord *out, std::size_t n) {
+    if (bOwnPointForms())
+        TMEllToProjection(in, out, n);
+    else
+        COutputSystem::EllToProjectionArray(in, out, n);
+}
+
+void CProjection_TM::ProjectionToEllArray(const CVXCoord *in, CEllCoord *out, std::size_t n) {
+    if (bOwnPointForms())
+        TMProjectionToEll(in, out, n);
+    else
+        COutputSystem::ProjectionToEllArray(in, out, n);
+}
+
+bool CProjection_TM::bOwnPointForms() const {
+    const std::type_info &t = typeid(*this);
+    return t == typeid(CProjection_TM_TM) || t == typeid(CProjection_TM_GAUSS_KRUGER) ||
+           t == typeid(CProjection_TM_NORTH) || t == typeid(CProjection_TM_SOUTH);
 }
 
 CProjection_TM_TM::CProjection_TM_TM()

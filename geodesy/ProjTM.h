@@ -11,15 +11,29 @@
 
 #include "geodesy/OutputSystem.h"
 
+#include <optional>
+
 namespace vx VX_API {
+
+struct STMFixed;
 
 class CProjection_TM : public COutputSystem {
 public:
     void EllToProjection(CVXCoord &xy, CEllCoord ell) override;
     void ProjectionToEll(CEllCoord &ell, CVXCoord xy) override;
+    void EllToProjectionArray(const CEllCoord *in, CVXCoord *out, std::size_t n) override;
+    void ProjectionToEllArray(const CVXCoord *in, CEllCoord *out, std::size_t n) override;
 
 protected:
     using COutputSystem::COutputSystem;
+
+private:
+    // The constants of the ellipsoid and the arc to the latitude of origin, kept per parameter
+    // set.
+    const STMFixed &Fixed(std::optional<STMFixed> &scratch) const;
+    void TMEllToProjection(const CEllCoord *in, CVXCoord *out, std::size_t n);
+    void TMProjectionToEll(const CVXCoord *in, CEllCoord *out, std::size_t n);
+    bool bOwnPointForms() const;
 };
 
 class CProjection_TM_TM : public CProjection_TM {
