@@ -30,6 +30,7 @@
 #include "persist/ArchiveFiles.h"
 #include "persist/ArchiveX.h"
 #include "persist/Dom.h"
+#include "persist/LoadedObjects.h"
 #include "persist/RTCTree.h"
 #include "persist/RuntimeCreator.h"
 #include "persist/SerCollections.h"

@@ -630,24 +630,28 @@ void CVXCoordArrArr::Copy(const CVXCoordArrArr &other) {
 namespace {
 
 // After a load the array must own each of its points alone. A hostile archive can name one
-// object twice (a back-reference) or put another class in the run: a repeated point is replaced
-// by a copy, and an element that is not a point is deleted and its slot made null. False when
-// such an element was found.
-bool bKeepOwnPoints(CSerObArray &a) {
+// object twice (a back-reference) or put another class in the run: a repeated point, or one the
+// array did not read itself (bEigen false: it belongs elsewhere in the graph), is replaced by a
+// copy, and an element that is not a point is deleted and its slot made null; one the array did
+// not read itself (the array, or an array that holds it) is not deleted. False when such an
+// element was found.
+template <class F>
+bool bKeepOwnPoints(CSerObArray &a, F bEigen) {
     std::unordered_set<const CSerObject *> points;
     std::unordered_set<const CSerObject *> dropped;
     for (int32_t i = 0; i < a.GetSize(); ++i) {
         CSerObject *o = a.GetAt(i);
         if (o == nullptr) continue;
+        const bool bPoint = dynamic_cast<CVXCoord *>(o) != nullptr;
         if (dropped.count(o) != 0) {
             a.SetAt(i, nullptr);
-        } else if (points.count(o) != 0) {
+        } else if (bPoint && (points.count(o) != 0 || !bEigen(o))) {
             a.SetAt(i, static_cast<CVXCoord *>(o)->New());
-        } else if (dynamic_cast<CVXCoord *>(o) != nullptr) {
+        } else if (bPoint) {
             points.insert(o);
         } else {
             dropped.insert(o);
-            delete o;
+            if (bEigen(o)) delete o;
             a.SetAt(i, nullptr);
         }
     }
@@ -664,12 +668,14 @@ void CVXCoordArr::SerializeB(CArchiveB &ar) {
     const bool bGewijzigd = m_bGewijzigd;
     RemoveAll();
     m_bGewijzigd = bGewijzigd;
+    const uint32_t mark = ar.GetLoadMark();
+    const auto bEigen = [&](const CSerObject *o) { return ar.IsLoadedSince(o, mark); };
     bool bOwn = false;
     try {
         Base::SerializeB(ar);
-        bOwn = bKeepOwnPoints(*this);
+        bOwn = bKeepOwnPoints(*this, bEigen);
     } catch (...) {
-        bKeepOwnPoints(*this);
+        bKeepOwnPoints(*this, bEigen);
         throw;
     }
     if (!bOwn) throw CArchiveBException(CArchiveBException::badClass, ar.GetFileName());
@@ -683,14 +689,16 @@ void CVXCoordArr::SerializeX(CArchiveX &ar) {
     const bool bGewijzigd = m_bGewijzigd;
     RemoveAll();
     m_bGewijzigd = bGewijzigd;
+    // The XML archive has no back-references: every element it reads is new.
+    const auto bAlles = [](const CSerObject *) { return true; };
     try {
         Base::SerializeX(ar);
     } catch (...) {
-        bKeepOwnPoints(*this);
+        bKeepOwnPoints(*this, bAlles);
         throw;
     }
     // In the XML archive an element of another class loads as null, as one of another root does.
-    bKeepOwnPoints(*this);
+    bKeepOwnPoints(*this, bAlles);
 }
 
 } // namespace vx

@@ -1,5 +1,6 @@
 #include "persist/ArchiveB.h"
 
+#include "persist/LoadedObjects.h"
 #include "persist/RuntimeCreator.h"
 #include "persist/SerObject.h"
 #include "platform/Bstr.h"
@@ -8,6 +9,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 #include <memory>
 
 namespace vx {
@@ -61,6 +63,13 @@ CArchiveBException::CArchiveBException(int cause, const CVXString &fileName)
         m_what += std::string(" (") + static_cast<const char *>(fileName) + ")";
 }
 
+CArchiveBException::CArchiveBException(int cause, const CVXString &fileName,
+                                       const std::string &reason)
+    : CArchiveBException(cause, fileName) {
+    m_reason = reason;
+    m_what += ": " + reason;
+}
+
 // ---- construction ----
 
 CArchiveB::CArchiveB(CFile *file, unsigned int mode, int bufferSize, void *buffer)
@@ -110,9 +119,25 @@ void CArchiveB::Throw(int cause) const {
 
 // ---- buffer ----
 
+// A failing write (a full disk, a quota, an I/O error) must reach the caller as the archive's
+// own exception, so that a caller that catches CArchiveBException never takes a truncated file
+// for a saved one.
+template <class F>
+auto CArchiveB::OnFile(F call) -> decltype(call()) {
+    try {
+        return call();
+    } catch (const CFileException &e) {
+        const char *reason = e.m_lOsError != 0 ? std::strerror(e.m_lOsError) : e.what();
+        throw CArchiveBException(CArchiveBException::genericException, m_strFileName, reason);
+    }
+}
+
 void CArchiveB::StartDirectWrite() {
     void *start = nullptr, *max = nullptr;
-    m_pFile->GetBufferPtr(CFile::bufferWrite, static_cast<unsigned int>(m_nBufSize), &start, &max);
+    OnFile([&] {
+        return m_pFile->GetBufferPtr(CFile::bufferWrite, static_cast<unsigned int>(m_nBufSize),
+                                     &start, &max);
+    });
     m_lpBufStart = m_lpBufCur = static_cast<unsigned char *>(start);
     m_lpBufMax = static_cast<unsigned char *>(max);
 }
@@ -122,18 +147,22 @@ void CArchiveB::Flush() {
     if (IsLoading()) {
         // Give back what is unread, so the file stands just behind the last byte consumed.
         const int64_t unread = m_lpBufMax - m_lpBufCur;
-        if (unread > 0) m_pFile->Seek(-unread, CFile::current);
+        if (unread > 0) OnFile([&] { return m_pFile->Seek(-unread, CFile::current); });
         m_lpBufCur = m_lpBufMax;
         return;
     }
     if (m_bDirectBuffer) {
-        m_pFile->GetBufferPtr(CFile::bufferCommit,
-                              static_cast<unsigned int>(m_lpBufCur - m_lpBufStart));
+        OnFile([&] {
+            return m_pFile->GetBufferPtr(CFile::bufferCommit,
+                                         static_cast<unsigned int>(m_lpBufCur - m_lpBufStart));
+        });
         StartDirectWrite();
         return;
     }
     if (m_lpBufCur != m_lpBufStart)
-        m_pFile->Write(m_lpBufStart, static_cast<unsigned int>(m_lpBufCur - m_lpBufStart));
+        OnFile([&] {
+            m_pFile->Write(m_lpBufStart, static_cast<unsigned int>(m_lpBufCur - m_lpBufStart));
+        });
     m_lpBufCur = m_lpBufStart;
 }
 
@@ -146,6 +175,7 @@ void CArchiveB::Abort() {
     m_pFile = nullptr;
     m_storeMap.clear();
     m_loadArray.clear();
+    m_loadIndex.clear();
     m_bMapMade = false;
 }
 
@@ -193,8 +223,8 @@ void CArchiveB::FillBuffer(unsigned int size) {
     m_lpBufMax = m_lpBufStart + unread;
     unsigned char *const end = m_lpBufStart + m_nBufSize;
     while (static_cast<size_t>(m_lpBufMax - m_lpBufCur) < unread + size && m_lpBufMax < end) {
-        const unsigned int got =
-            m_pFile->Read(m_lpBufMax, static_cast<unsigned int>(end - m_lpBufMax));
+        const unsigned int got = OnFile(
+            [&] { return m_pFile->Read(m_lpBufMax, static_cast<unsigned int>(end - m_lpBufMax)); });
         if (got == 0) break;
         m_lpBufMax += got;
     }
@@ -209,7 +239,7 @@ unsigned int CArchiveB::Read(void *buffer, unsigned int size) {
     for (;;) {
         const unsigned int n =
             std::min(size - total, static_cast<unsigned int>(m_lpBufMax - m_lpBufCur));
-        std::memcpy(out + total, m_lpBufCur, n);
+        if (n != 0) std::memcpy(out + total, m_lpBufCur, n);
         m_lpBufCur += n;
         total += n;
         if (total == size || !m_pFile) return total;
@@ -226,12 +256,14 @@ unsigned int CArchiveB::Read(void *buffer, unsigned int size) {
         const unsigned int rest = size - total;
         const unsigned int direct = rest - rest % static_cast<unsigned int>(m_nBufSize);
         while (total < size - (rest - direct)) {
-            const unsigned int got = m_pFile->Read(out + total, size - (rest - direct) - total);
+            const unsigned int got =
+                OnFile([&] { return m_pFile->Read(out + total, size - (rest - direct) - total); });
             if (got == 0) return total;
             total += got;
         }
         if (total == size) return total;
-        const unsigned int got = m_pFile->Read(m_lpBufStart, static_cast<unsigned int>(m_nBufSize));
+        const unsigned int got = OnFile(
+            [&] { return m_pFile->Read(m_lpBufStart, static_cast<unsigned int>(m_nBufSize)); });
         m_lpBufCur = m_lpBufStart;
         m_lpBufMax = m_lpBufStart + got;
         if (got == 0) return total;
@@ -246,7 +278,7 @@ void CArchiveB::Write(const void *buffer, unsigned int size) {
     if (!IsStoring()) Throw(CArchiveBException::readOnly);
     const auto *in = static_cast<const unsigned char *>(buffer);
     unsigned int n = std::min(size, static_cast<unsigned int>(m_lpBufMax - m_lpBufCur));
-    std::memcpy(m_lpBufCur, in, n);
+    if (n != 0) std::memcpy(m_lpBufCur, in, n);
     m_lpBufCur += n;
     in += n;
     size -= n;
@@ -265,7 +297,7 @@ void CArchiveB::Write(const void *buffer, unsigned int size) {
     }
     // Whole multiples of the buffer go straight to the file.
     const unsigned int direct = size - size % static_cast<unsigned int>(m_nBufSize);
-    if (direct) m_pFile->Write(in, direct);
+    if (direct) OnFile([&] { m_pFile->Write(in, direct); });
     std::memcpy(m_lpBufCur, in + direct, size - direct);
     m_lpBufCur += size - direct;
 }
@@ -530,12 +562,19 @@ ISerObject *CArchiveB::ReadObject(const CRuntimeCreator *requested) {
     std::unique_ptr<ISerObject> object(creator->CreateObject());
     if (!object) throw CVXComError(E_OUTOFMEMORY, __FILE__, __LINE__);
     m_loadArray.push_back({object.get(), typeObject});
+    m_loadIndex[object.get()] = m_nMapCount;
     ++m_nMapCount;
+    NoteLoadedObject(object.get());
     {
         ObjectScope scope(m_nObjectSchema, schema, m_nDepth);
         object->SerializeB(*this);
     }
     return object.release();
+}
+
+bool CArchiveB::IsLoadedSince(const ISerObject *object, uint32_t mark) const {
+    const auto it = m_loadIndex.find(object);
+    return it != m_loadIndex.end() && it->second >= mark;
 }
 
 void CArchiveB::SerializeClass(const CRuntimeCreator *creator) {

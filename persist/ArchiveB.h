@@ -22,6 +22,7 @@
 #include "platform/File.h"
 #include "platform/VXString.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <exception>
@@ -47,13 +48,18 @@ public:
         badSchema = 6
     };
     explicit CArchiveBException(int cause, const CVXString &fileName = CVXString());
+    // The same with the system's reason (a full disk, an I/O error) added to the text.
+    CArchiveBException(int cause, const CVXString &fileName, const std::string &reason);
     const char *what() const noexcept override { return m_what.c_str(); }
+    // The system's reason given at construction, empty when none.
+    const std::string &Reason() const noexcept { return m_reason; }
 
     int m_cause;
     CVXString m_strFileName;
 
 private:
     std::string m_what;
+    std::string m_reason;
 };
 
 class CArchiveB {
@@ -142,6 +148,15 @@ public:
     void SerializeClass(const CRuntimeCreator *creator);
     void MapObject(const ISerObject *object);
 
+    // Loading: a mark of the objects read from now on (see IsLoadedSince).
+    uint32_t GetLoadMark() const { return m_nMapCount; }
+    // Loading: true when this archive created `object` after `mark` was taken; false for an
+    // object from before the mark (a back-reference) or one the archive did not create. A
+    // container that owns its elements takes ownership only of the objects it read itself, so
+    // that a hostile stream cannot make an object owned twice, nor a container own itself or
+    // one of the objects that contain it.
+    bool IsLoadedSince(const ISerObject *object, uint32_t mark) const;
+
     // The schema of the object being read; resets it, so a second call gives 0xFFFFFFFF.
     unsigned int GetObjectSchema();
     void SetObjectSchema(unsigned int schema) { m_nObjectSchema = schema; }
@@ -161,7 +176,8 @@ private:
     template <class T>
     CArchiveB &Put(T v) {
         if (!IsStoring()) Throw(CArchiveBException::readOnly);
-        if (m_lpBufCur + sizeof(T) > m_lpBufMax) Flush();
+        // Compared as a distance: the pointers are null before a memory file lends its buffer.
+        if (m_lpBufMax - m_lpBufCur < static_cast<std::ptrdiff_t>(sizeof(T))) Flush();
         std::memcpy(m_lpBufCur, &v, sizeof(T));
         m_lpBufCur += sizeof(T);
         return *this;
@@ -169,8 +185,9 @@ private:
     template <class T>
     CArchiveB &Get(T &v) {
         if (!IsLoading()) Throw(CArchiveBException::writeOnly);
-        if (m_lpBufCur + sizeof(T) > m_lpBufMax)
-            FillBuffer(static_cast<unsigned int>(sizeof(T) - (m_lpBufMax - m_lpBufCur)));
+        const std::ptrdiff_t held = m_lpBufMax - m_lpBufCur;
+        if (held < static_cast<std::ptrdiff_t>(sizeof(T)))
+            FillBuffer(static_cast<unsigned int>(static_cast<std::ptrdiff_t>(sizeof(T)) - held));
         std::memcpy(&v, m_lpBufCur, sizeof(T));
         m_lpBufCur += sizeof(T);
         return *this;
@@ -182,6 +199,9 @@ private:
     uint64_t ReadStringLength(unsigned &unitSize);
     void StartDirectWrite();
     void FillDirect(unsigned int size);
+    // Runs a call on the file; its CFileException becomes this archive's exception.
+    template <class F>
+    auto OnFile(F call) -> decltype(call());
 
     // Fields in the order of the original layout.
     int m_bForceFlat = 1;
@@ -198,8 +218,9 @@ private:
     unsigned char *m_lpBufStart = nullptr;
     uint32_t m_nMapCount = 1;
     bool m_bMapMade = false;
-    std::unordered_map<const void *, uint32_t> m_storeMap; // storing: pointer to index
-    std::vector<LoadEntry> m_loadArray;                    // loading: index to pointer
+    std::unordered_map<const void *, uint32_t> m_storeMap;  // storing: pointer to index
+    std::vector<LoadEntry> m_loadArray;                     // loading: index to pointer
+    std::unordered_map<const void *, uint32_t> m_loadIndex; // loading: created object to index
     std::map<const CRuntimeCreator *, unsigned int> *m_pSchemaMap = nullptr;
     unsigned int m_nGrowSize;
     unsigned int m_nHashSize = 137;

@@ -7,15 +7,27 @@
 #include "platform/Errors.h"
 #include "platform/File.h"
 
+#include <pugixml.hpp>
+
+#include <algorithm>
+#include <atomic>
 #include <cctype>
+#include <cerrno>
+#include <cstring>
 #include <exception>
+#include <memory>
 #include <string>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace vx {
 
 namespace {
 
 const char16_t kRootName[] = u"Root";
+const char kRootElement[] = "Root";
 
 std::string Utf8(const CVXString &text) {
     const char16_t *p = text;
@@ -48,15 +60,20 @@ std::string ClassLine(const ISerObject &root) {
            std::to_string(creator->Schema() & ~VERSIONABLE_SCHEMA) + ")\n";
 }
 
-std::unique_ptr<ISerObject> LoadBinary(const CVXString &path) {
-    CFile file(path, CFile::modeRead | CFile::typeBinary);
+// The file is read under a shared lock: readers do not exclude each other, a writer excludes
+// them.
+constexpr unsigned int kReadFlags = CFile::modeRead | CFile::shareDenyWrite | CFile::typeBinary;
+
+ISerObject *LoadBinary(const CVXString &path) {
+    CFile file(path, kReadFlags);
     CArchiveB ar(&file, CArchiveB::load);
-    std::unique_ptr<ISerObject> root(ar.ReadObject(nullptr));
+    ISerObject *root = ar.ReadObject(nullptr);
     if (!root) throw CArchiveFileError("the binary archive holds no root object", path);
     return root;
 }
 
-std::unique_ptr<ISerObject> LoadXml(const CVXString &path) {
+ISerObject *LoadXml(const CVXString &path) {
+    const CFile lock(path, kReadFlags);
     CArchiveX ar(path, true);
     if (!ar.IsValid() || !ar.GetCurrent())
         throw CArchiveFileError("not a well-formed XML archive", path);
@@ -69,7 +86,13 @@ std::unique_ptr<ISerObject> LoadXml(const CVXString &path) {
         const CVXString name(probe.GetCurrent()->GetAttribute(u"MFC_RUNTIME_TYPE"));
         throw CArchiveFileError("unknown class \"" + Utf8(name) + "\" of the root object", path);
     }
-    return std::unique_ptr<ISerObject>(object);
+    return object;
+}
+
+// The system's reason for a failed file operation, without the file's name (the message names
+// the file the caller asked for, once).
+std::string FileReason(const CFileException &e) {
+    return e.m_lOsError != 0 ? std::strerror(e.m_lOsError) : e.what();
 }
 
 // Runs `work`, turning every failure into a CArchiveFileError that names the file.
@@ -79,7 +102,11 @@ auto Guarded(const CVXString &path, const char *what, F work) -> decltype(work()
         return work();
     } catch (const CArchiveFileError &) {
         throw;
+    } catch (const CFileException &e) {
+        throw CArchiveFileError(std::string(what) + ": " + FileReason(e), path);
     } catch (const CArchiveBException &e) {
+        if (!e.Reason().empty())
+            throw CArchiveFileError(std::string(what) + ": " + e.Reason(), path);
         throw CArchiveFileError(std::string(what) + ": bad binary archive (" + e.what() + ")",
                                 path);
     } catch (const CVXComError &e) {
@@ -87,6 +114,182 @@ auto Guarded(const CVXString &path, const char *what, F work) -> decltype(work()
     } catch (const std::exception &e) {
         throw CArchiveFileError(std::string(what) + ": " + e.what(), path);
     }
+}
+
+// A new file beside the target that takes the target's place only when it is complete. The
+// name starts with a dot and ends in ".tmp", so that a directory listing shows what a kill left
+// behind; the file is removed when the replacement fails.
+class CReplacement {
+public:
+    explicit CReplacement(const CVXString &target) : m_target(target) {
+        const std::string native = static_cast<const char *>(target);
+        const size_t slash = native.rfind('/');
+        const std::string dir = slash == std::string::npos ? "." : native.substr(0, slash + 1);
+        const std::string base = slash == std::string::npos ? native : native.substr(slash + 1);
+        const std::string prefix = (slash == std::string::npos ? "" : dir) + "." + base + "." +
+                                   std::to_string(::getpid()) + ".";
+        m_dir = slash == std::string::npos ? "." : dir;
+        for (int attempt = 0;; ++attempt) {
+            const std::string name = prefix + std::to_string(s_counter++) + ".tmp";
+            // O_EXCL: the name is ours alone; 0666 lets the umask decide as for any new file.
+            const int fd = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+            if (fd >= 0) {
+                ::close(fd);
+                m_temp = name;
+                return;
+            }
+            if (errno != EEXIST || attempt >= kMaxNameAttempts)
+                CFileException::ThrowOsError(errno, CVXString(name.c_str()));
+        }
+    }
+    ~CReplacement() {
+        if (!m_temp.empty()) ::unlink(m_temp.c_str());
+    }
+    CReplacement(const CReplacement &) = delete;
+    CReplacement &operator=(const CReplacement &) = delete;
+
+    CVXString TempPath() const { return CVXString(m_temp.c_str()); }
+
+    // Renames the complete (and synchronised) file over the target, then synchronises the
+    // directory so that the rename itself survives a crash.
+    void Commit() {
+        struct stat st {};
+        if (::stat(static_cast<const char *>(m_target), &st) == 0)
+            ::chmod(m_temp.c_str(), st.st_mode & kPermissionBits);
+        CFile::Rename(TempPath(), m_target);
+        m_temp.clear();
+        const int dirFd = ::open(m_dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        if (dirFd >= 0) {
+            ::fsync(dirFd);
+            ::close(dirFd);
+        }
+    }
+
+private:
+    static constexpr int kMaxNameAttempts = 100;
+    static constexpr mode_t kPermissionBits = 07777;
+    static inline std::atomic<unsigned> s_counter{0};
+    CVXString m_target;
+    std::string m_dir;
+    std::string m_temp;
+};
+
+// Holds an existing target under an exclusive lock while it is replaced: a writer excludes the
+// readers and the other writers of the file. A target that does not exist, or that cannot be
+// opened for another reason than a lock, is not held (the rename decides).
+class CTargetLock {
+public:
+    explicit CTargetLock(const CVXString &target) {
+        CFileException error;
+        if (m_file.Open(target, CFile::modeRead | CFile::shareExclusive | CFile::typeBinary,
+                        &error))
+            return;
+        if (error.m_cause == CFileException::sharingViolation)
+            throw CFileException(error.m_cause, error.m_lOsError);
+    }
+
+private:
+    CFile m_file;
+};
+
+void WriteDocument(CFile &file, const ISerObject &root, ArchiveFormat format) {
+    if (format == ArchiveFormat::xml) {
+        // The document of a file archive (root "VXXMLArchive") built in memory: no name, so the
+        // archive writes nothing itself; the text goes through the checked file.
+        CArchiveX ar(CVXString(), false);
+        ar.Save(kRootName, &root);
+        const std::string text = Utf8(ar.XML());
+        file.Write(text.data(), static_cast<unsigned int>(text.size()));
+        return;
+    }
+    CArchiveB ar(&file, CArchiveB::store);
+    ar.WriteObject(&root);
+    ar.Close();
+}
+
+// The element tree below `top` as indented XML, one element per line.
+class CListing {
+public:
+    std::string Of(const pugi::xml_node &top) {
+        pugi::xml_node node = top;
+        int depth = 0;
+        for (;;) {
+            Open(node, depth);
+            if (HasContent(node)) {
+                node = node.first_child();
+                ++depth;
+                continue;
+            }
+            // Up until a node has a next sibling, closing what is left.
+            while (node != top && !node.next_sibling()) {
+                node = node.parent();
+                --depth;
+                Close(node, depth);
+            }
+            if (node == top) return m_out;
+            node = node.next_sibling();
+        }
+    }
+
+private:
+    static bool HasContent(const pugi::xml_node &n) {
+        return n.type() == pugi::node_element && n.first_child();
+    }
+    void Indent(int depth) {
+        m_out.append(static_cast<size_t>(std::min(depth, kMaxListingIndent)), '\t');
+    }
+    static void Escaped(std::string &out, const char *text) {
+        for (; *text; ++text) {
+            switch (*text) {
+            case '&':
+                out += "&amp;";
+                break;
+            case '<':
+                out += "&lt;";
+                break;
+            case '>':
+                out += "&gt;";
+                break;
+            case '"':
+                out += "&quot;";
+                break;
+            default:
+                out += *text;
+            }
+        }
+    }
+    void Open(const pugi::xml_node &n, int depth) {
+        Indent(depth);
+        if (n.type() != pugi::node_element) {
+            Escaped(m_out, n.value());
+            m_out += '\n';
+            return;
+        }
+        m_out += '<';
+        m_out += n.name();
+        for (const pugi::xml_attribute &a : n.attributes()) {
+            m_out += ' ';
+            m_out += a.name();
+            m_out += "=\"";
+            Escaped(m_out, a.value());
+            m_out += '"';
+        }
+        m_out += HasContent(n) ? ">\n" : " />\n";
+    }
+    void Close(const pugi::xml_node &n, int depth) {
+        Indent(depth);
+        m_out += "</";
+        m_out += n.name();
+        m_out += ">\n";
+    }
+
+    std::string m_out;
+};
+
+// The listing of a whole document: the declaration and the tree of its element.
+std::string ListDocument(const pugi::xml_document &doc) {
+    const pugi::xml_node element = doc.document_element();
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" + CListing().Of(element);
 }
 
 } // namespace
@@ -104,7 +307,7 @@ ArchiveFormat DetectArchiveFormat(const unsigned char *data, size_t size) {
 
 ArchiveFormat DetectArchiveFormat(const CVXString &path) {
     return Guarded(path, "cannot read the file", [&] {
-        CFile file(path, CFile::modeRead | CFile::typeBinary);
+        CFile file(path, kReadFlags);
         unsigned char head[256];
         const unsigned int n = file.Read(head, sizeof head);
         if (n == 0) throw CArchiveFileError("the file is empty", path);
@@ -121,27 +324,30 @@ ArchiveFormat ArchiveFormatForPath(const CVXString &path) {
     return ext == ".xml" ? ArchiveFormat::xml : ArchiveFormat::binary;
 }
 
-std::unique_ptr<ISerObject> LoadArchiveRoot(const CVXString &path) {
+CLoadedArchive LoadArchiveRoot(const CVXString &path) {
     const ArchiveFormat format = DetectArchiveFormat(path);
-    return Guarded(path, "cannot load the archive",
-                   [&] { return format == ArchiveFormat::xml ? LoadXml(path) : LoadBinary(path); });
+    auto objects = std::make_unique<CLoadedObjects>();
+    ISerObject *root = nullptr;
+    {
+        // A failure leaves the owner to free what the load had made.
+        const CLoadedObjects::CCollector collect(*objects);
+        root = Guarded(path, "cannot load the archive", [&] {
+            return format == ArchiveFormat::xml ? LoadXml(path) : LoadBinary(path);
+        });
+    }
+    return CLoadedArchive(std::move(objects), root);
 }
 
 void SaveArchiveRoot(const CVXString &path, const ISerObject &root, ArchiveFormat format) {
     Guarded(path, "cannot write the archive", [&] {
-        // Opening first reports a file that cannot be written: the XML archive writes its
-        // document on destruction, where a failure cannot be reported.
-        CFile file(path, CFile::modeCreate | CFile::modeWrite | CFile::typeBinary);
-        if (format == ArchiveFormat::xml) {
-            file.Close();
-            CArchiveX ar(path, false);
-            ar.Save(kRootName, &root);
-            return;
-        }
-        CArchiveB ar(&file, CArchiveB::store);
-        ar.WriteObject(&root);
-        ar.Close();
+        const CTargetLock lock(path);
+        CReplacement replacement(path);
+        CFile file(replacement.TempPath(), CFile::modeCreate | CFile::modeWrite |
+                                               CFile::shareExclusive | CFile::typeBinary);
+        WriteDocument(file, root, format);
+        file.Flush(); // to the disk before the rename, or a crash could leave an empty target
         file.Close();
+        replacement.Commit();
     });
 }
 
@@ -155,24 +361,32 @@ std::string DumpArchive(const CVXString &path) {
     const ArchiveFormat format = DetectArchiveFormat(path);
     std::string out = "archive: " + Utf8(path) + "\n";
     if (format == ArchiveFormat::binary) {
-        const std::unique_ptr<ISerObject> root = LoadArchiveRoot(path);
-        out += "format: binary\n" + ClassLine(*root);
-        return out + Guarded(path, "cannot list the archive",
-                             [&] { return Utf8(ArchiveRootXML(*root)); });
+        const CLoadedArchive loaded = LoadArchiveRoot(path);
+        out += "format: binary\n" + ClassLine(loaded.Root());
+        return out + Guarded(path, "cannot list the archive", [&] {
+                   const std::string text = Utf8(ArchiveRootXML(loaded.Root()));
+                   pugi::xml_document doc;
+                   doc.load_buffer(text.data(), text.size(), pugi::parse_default,
+                                   pugi::encoding_utf8);
+                   return ListDocument(doc);
+               });
     }
     // The XML is listed as it stands, so a root of a class this program does not know is shown
     // too (by its element's class name) rather than refused.
     return out + Guarded(path, "cannot list the archive", [&] {
-               CArchiveX ar(path, true);
-               if (!ar.IsValid() || !ar.GetCurrent())
-                   throw CArchiveFileError("not a well-formed XML archive", path);
-               if (!ar.SeekElement(kRootName))
+               const CFile lock(path, kReadFlags);
+               pugi::xml_document doc;
+               const pugi::xml_node top = doc.load_file(static_cast<const char *>(path))
+                                              ? doc.document_element()
+                                              : pugi::xml_node();
+               if (!top) throw CArchiveFileError("not a well-formed XML archive", path);
+               const pugi::xml_node element = top.child(kRootElement);
+               if (!element)
                    throw CArchiveFileError("the XML archive has no element \"Root\"", path);
-               const CVXComWrap<IDomElement> &element = ar.GetCurrent();
-               const CVXString name(element->GetAttribute(u"MFC_RUNTIME_TYPE"));
-               const CVXString schema(element->GetAttribute(u"MFC_RUNTIME_TYPE_SCHEMA"));
-               return "format: XML\nroot: " + Utf8(name) + " (schema " + Utf8(schema) + ")\n" +
-                      Utf8(ar.XML());
+               return std::string("format: XML\nroot: ") +
+                      element.attribute("MFC_RUNTIME_TYPE").value() + " (schema " +
+                      element.attribute("MFC_RUNTIME_TYPE_SCHEMA").value() + ")\n" +
+                      ListDocument(doc);
            });
 }
 

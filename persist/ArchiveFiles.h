@@ -9,6 +9,7 @@
 
 #include "platform/VXExport.h"
 
+#include "persist/LoadedObjects.h"
 #include "persist/SerObject.h"
 #include "platform/VXString.h"
 
@@ -16,6 +17,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace vx VX_API {
 
@@ -34,15 +36,40 @@ ArchiveFormat DetectArchiveFormat(const CVXString &path);
 // The format a new file gets from its name: ".xml" (any case) is XML, anything else binary.
 ArchiveFormat ArchiveFormatForPath(const CVXString &path);
 
+// A loaded document: its root object and the owner of every object the load created. The
+// graph lives as long as this object (or its owner, when moved out) does; a host that keeps
+// parts of it longer takes them out of the owner with CLoadedObjects::Release.
+class CLoadedArchive {
+public:
+    CLoadedArchive(std::unique_ptr<CLoadedObjects> objects, ISerObject *root)
+        : m_pObjects(std::move(objects)), m_pRoot(root) {}
+
+    ISerObject &Root() const { return *m_pRoot; }
+    CLoadedObjects &Objects() const { return *m_pObjects; }
+
+private:
+    std::unique_ptr<CLoadedObjects> m_pObjects;
+    ISerObject *m_pRoot;
+};
+
 // The root object of the file and everything it refers to; CArchiveFileError on a file that is
-// missing, malformed, or names a class this program does not know.
-std::unique_ptr<ISerObject> LoadArchiveRoot(const CVXString &path);
-// Writes the object as the root of a new document in the format given.
+// missing, malformed, or names a class this program does not know. A failed load frees every
+// object it had created. The file is read under a shared lock: readers do not exclude each
+// other, but a writer of the same file (through SaveArchiveRoot) excludes them.
+CLoadedArchive LoadArchiveRoot(const CVXString &path);
+// Writes the object as the root of a new document in the format given. The document goes to a
+// new file beside the target, every write and the close are checked, the file is synchronised
+// to the disk and only then renamed over the target: on any failure (a full disk, a kill) the
+// target is left as it was, and CArchiveFileError names the target and the cause. A target that
+// exists keeps its permission bits; it is locked exclusively while it is replaced.
 void SaveArchiveRoot(const CVXString &path, const ISerObject &root, ArchiveFormat format);
 // The XML text of an in-memory archive holding the object as its root.
 CVXString ArchiveRootXML(const ISerObject &root);
 // A readable listing of the file: its format, the root's class and schema, and the element tree
-// with every field (for a binary file, the tree its root object gives in the XML archive).
+// with every field (for a binary file, the tree its root object gives in the XML archive). The
+// tree is indented one tab a level up to kMaxListingIndent levels and no further, so that the
+// listing grows with the document, not with the square of its depth.
+constexpr int kMaxListingIndent = 32;
 std::string DumpArchive(const CVXString &path);
 
 } // namespace VX_API

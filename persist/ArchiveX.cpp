@@ -3,12 +3,14 @@
 #include "foundation/NumberText.h"
 #include "foundation/VXFile.h"
 #include "foundation/VXODateTime.h"
+#include "persist/LoadedObjects.h"
 #include "persist/RuntimeCreator.h"
 #include "persist/SerObject.h"
 #include "platform/Errors.h"
 
 #include <charconv>
 #include <cmath>
+#include <exception>
 #include <memory>
 
 namespace vx {
@@ -155,11 +157,11 @@ CArchiveX::CArchiveX(const CVXString &path) : m_strFileName(path), m_bUpdate(tru
     }
 }
 
-CArchiveX::~CArchiveX() {
-    // A destructor cannot report: a document that cannot be written is lost silently, as it
-    // always was. Copies share the document and each writes it.
-    if ((!m_bLoading || m_bUpdate) && !m_strFileName.IsEmpty() && m_document)
-        m_document->Save(m_strFileName);
+CArchiveX::~CArchiveX() noexcept(false) {
+    // Copies share the document and each writes it.
+    if ((m_bLoading && !m_bUpdate) || m_strFileName.IsEmpty() || !m_document) return;
+    if (m_document->Save(m_strFileName) || std::uncaught_exceptions() != 0) return;
+    throw CVXComError(E_FAIL, __FILE__, __LINE__, m_document->LastError(), CVXString(u"VXDOM"));
 }
 
 bool CArchiveX::IsValid() const {
@@ -439,6 +441,25 @@ void CArchiveX::SerializeIt(const CVXString &name, ISerObject *object) {
     object->SerializeX(*this);
 }
 
+// Counts the nesting of objects being read; the binary archive's limit holds here too, so that a
+// hostile document cannot exhaust the stack.
+class CArchiveX::DepthGuard {
+public:
+    explicit DepthGuard(int &depth) : m_depth(depth) {
+        if (m_depth >= kMaxDepth)
+            throw CVXComError(E_FAIL, __FILE__, __LINE__,
+                              CVXString(u"objects nested too deeply in the XML archive"),
+                              CVXString(u"VXCOM"));
+        ++m_depth;
+    }
+    ~DepthGuard() { --m_depth; }
+    DepthGuard(const DepthGuard &) = delete;
+    DepthGuard &operator=(const DepthGuard &) = delete;
+
+private:
+    int &m_depth;
+};
+
 ISerObject *CArchiveX::ReadCurrent() {
     CVXString className;
     Load(CVXString(kTypeAttr), className);
@@ -447,8 +468,10 @@ ISerObject *CArchiveX::ReadCurrent() {
     m_nSchema = static_cast<int32_t>(schema);
     const CRuntimeCreator *creator = CRuntimeCreator::RuntimeCreator(className);
     if (!creator) return nullptr; // an unknown class: the element is skipped
+    const DepthGuard depth(m_nDepth);
     std::unique_ptr<ISerObject> object(creator->CreateObject());
     if (!object) return nullptr;
+    NoteLoadedObject(object.get());
     object->SerializeX(*this);
     return object.release();
 }

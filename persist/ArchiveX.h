@@ -41,7 +41,12 @@ public:
     CArchiveX(const CArchiveX &other) = default;
     CArchiveX &operator=(const CArchiveX &other) = default;
     // Writes the document to the file when storing (or in update mode) and a file is named.
-    ~CArchiveX();
+    // A document that cannot be written raises CVXComError, except while the archive goes out
+    // of scope by another exception (a second one would end the process): then it is dropped.
+    ~CArchiveX() noexcept(false);
+
+    // The deepest nesting of objects a loaded document may have, the binary archive's limit.
+    static constexpr int kMaxDepth = 2000;
 
     bool IsLoading() const { return m_bLoading; }
     bool IsStoring() const { return !m_bLoading; }
@@ -123,6 +128,7 @@ public:
 
 private:
     class CurrentGuard;
+    class DepthGuard;
     void Open(const CVXString &domName, bool loading);
     void MakeRoot(const char16_t *name);
     void SetAttr(const CVXString &name, const VXVariant &value);
@@ -136,6 +142,7 @@ private:
     CVXString m_strFileName;
     bool m_bLoading = false;
     bool m_bUpdate = false;
+    int m_nDepth = 0;
 };
 
 // Steps one element down for the life of the object: saving creates the child `name`; loading

@@ -12,6 +12,9 @@
 #include <pugixml.hpp>
 
 #include <atomic>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <map>
 #include <mutex>
 #include <sstream>
@@ -92,15 +95,17 @@ public:
     bool Load(const CVXString &path) override {
         return Parsed(m_doc.load_file(static_cast<const char *>(path)));
     }
+    // Every write, the flush and the close are checked: a full disk is a failure with the
+    // system's reason in the error text, never a silently truncated file.
     bool Save(const CVXString &path) override {
         std::FILE *f = std::fopen(static_cast<const char *>(path), "wb");
-        if (!f) {
-            m_error = CVXString(u"cannot write the file ") + path;
-            return false;
-        }
+        if (!f) return WriteFailed(path, errno);
         const std::string text = Text();
-        const bool ok = std::fwrite(text.data(), 1, text.size(), f) == text.size();
-        return std::fclose(f) == 0 && ok;
+        int err = 0;
+        if (std::fwrite(text.data(), 1, text.size(), f) != text.size()) err = errno;
+        if (std::fflush(f) != 0 && err == 0) err = errno;
+        if (std::fclose(f) != 0 && err == 0) err = errno;
+        return err == 0 || WriteFailed(path, err);
     }
     IDomElement *Root() override {
         const pugi::xml_node root = RootNode();
@@ -129,6 +134,11 @@ private:
             return true;
         }
         m_error.Format(u"%hs at offset %I64d", r.description(), static_cast<int64_t>(r.offset));
+        return false;
+    }
+    bool WriteFailed(const CVXString &path, int err) {
+        m_error = CVXString(u"cannot write the file ") + path + u": " +
+                  CVXString(std::strerror(err != 0 ? err : EIO));
         return false;
     }
     pugi::xml_node RootNode() const {

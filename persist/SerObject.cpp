@@ -1,8 +1,14 @@
 #include "persist/SerObject.h"
 
+#include "persist/LoadedObjects.h"
+
 #include <typeinfo>
 
 namespace vx {
+
+ISerObject::~ISerObject() {
+    NoteSerObjectDestroyed(this);
+}
 
 void CSerObject::Dump(CDumpContext &dc) const {
     dc << "a " << BareClassName(typeid(*this)) << " at " << static_cast<const void *>(this) << "\n";

@@ -15,7 +15,8 @@ class CVXString;
 
 class ISerObject {
 public:
-    virtual ~ISerObject() = default;
+    // Tells any CLoadedObjects that holds this object that it is gone.
+    virtual ~ISerObject();
     virtual void SerializeX(CArchiveX &ar) = 0;
     virtual void SerializeB(CArchiveB &ar) = 0;
     // The creator of the most derived class; null for classes without one.

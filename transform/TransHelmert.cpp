@@ -133,21 +133,24 @@ void CTransTabel::VerwijderInactief() {
     }
 }
 
-bool CTransTabel::VerwijderVreemd() {
+template <class F>
+bool CTransTabel::VerwijderVreemd(F bEigen) {
     std::unordered_set<const CSerObject *> gezien;
     bool bVreemd = false;
+    int32_t index = 0;
     POSITION pos = GetHeadPosition();
     while (pos) {
         const POSITION cur = pos;
         CSerObject *o = CSerObList::GetNext(pos);
+        const bool bEigenObject = o && bEigen(index++, o);
         const bool bNieuw = o && gezien.insert(o).second;
-        if (bNieuw && dynamic_cast<CTransRecord *>(o)) continue;
-        // A null or a repeated element is dropped; an object of another class is deleted.
+        const bool bRecord = dynamic_cast<CTransRecord *>(o) != nullptr;
+        if (bNieuw && bEigenObject && bRecord) continue;
+        // A null or a repeated element is dropped; an object of another class is deleted, when
+        // it is the table's own.
         CSerObList::RemoveAt(cur);
-        if (bNieuw) {
-            delete o;
-            bVreemd = true;
-        }
+        if (bNieuw && !bRecord) bVreemd = true;
+        if (bNieuw && bEigenObject && !bRecord) delete o;
     }
     return bVreemd;
 }
@@ -156,25 +159,37 @@ void CTransTabel::SerializeX(CArchiveX &ar) {
     // Kept on purpose: saving drops the inactive records from memory as well as from the file,
     // so that what a host sees after a save is what the file holds.
     VerwijderInactief();
+    // The XML archive has no back-references: every element it reads is new.
+    const auto bAlles = [](int32_t, const CSerObject *) { return true; };
     try {
         CSerObList::SerializeX(ar);
     } catch (...) {
-        VerwijderVreemd();
+        VerwijderVreemd(bAlles);
         throw;
     }
-    VerwijderVreemd();
+    VerwijderVreemd(bAlles);
     ar.Serialize(u"m_szNaam", m_szNaam);
     ar.Serialize(u"m_nType", m_nType);
 }
 
 void CTransTabel::SerializeB(CArchiveB &ar) {
+    // The records held before a load stay the table's; of the loaded ones it owns only those
+    // its own run created. A back-reference names an object that belongs elsewhere in the
+    // graph (or the table itself, or a table that contains it), which the table must neither
+    // delete nor own.
+    const int32_t nVoor = GetCount();
+    const uint32_t mark = ar.IsLoading() ? ar.GetLoadMark() : 0;
+    const auto bEigen = [&](int32_t index, const CSerObject *o) {
+        return ar.IsStoring() || index < nVoor || ar.IsLoadedSince(o, mark);
+    };
     try {
         CSerObList::SerializeB(ar);
     } catch (...) {
-        VerwijderVreemd();
+        VerwijderVreemd(bEigen);
         throw;
     }
-    if (VerwijderVreemd()) throw CArchiveBException(CArchiveBException::badClass, ar.GetFileName());
+    if (VerwijderVreemd(bEigen))
+        throw CArchiveBException(CArchiveBException::badClass, ar.GetFileName());
 }
 
 // ---- CTransHelmert --------------------------------------------------------------------------

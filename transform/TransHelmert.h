@@ -93,9 +93,12 @@ public:
 
 private:
     void VerwijderInactief();
-    // Deletes elements of a loaded run that are not records (a foreign class or a null).
-    // True when an object of another class was deleted.
-    bool VerwijderVreemd();
+    // Deletes elements of a loaded run that are not records (a foreign class or a null). An
+    // element for which bEigen(index, element) is false is not the table's to delete (a
+    // back-reference to an object read before, the table itself): it is only taken out. True
+    // when an element of another class was found.
+    template <class F>
+    bool VerwijderVreemd(F bEigen);
 };
 
 class CTransHelmert : public CTrans {

@@ -132,15 +132,15 @@ TEST(ArchiveFiles, BinaryAndXmlRoundTrips) {
     EXPECT_EQ(ReadBytes(bin), expected);
 
     const auto fromBinary = LoadArchiveRoot(Path(bin));
-    ExpectSample(fromBinary.get());
+    ExpectSample(&fromBinary.Root());
 
-    SaveArchiveRoot(Path(xml), *fromBinary, ArchiveFormat::xml);
+    SaveArchiveRoot(Path(xml), fromBinary.Root(), ArchiveFormat::xml);
     EXPECT_EQ(DetectArchiveFormat(Path(xml)), ArchiveFormat::xml);
     const auto fromXml = LoadArchiveRoot(Path(xml));
-    ExpectSample(fromXml.get());
+    ExpectSample(&fromXml.Root());
 
     // Back to binary: the same bytes as the first save.
-    SaveArchiveRoot(Path(dir.file("again.bin")), *fromXml, ArchiveFormat::binary);
+    SaveArchiveRoot(Path(dir.file("again.bin")), fromXml.Root(), ArchiveFormat::binary);
     EXPECT_EQ(ReadBytes(dir.file("again.bin")), expected);
 
     // Both listings name the root's class and schema and show the same fields.
