@@ -16,9 +16,10 @@
 #include "geometry/VXCoord.h"
 #include "platform/VXString.h"
 
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
-#include <iostream>
+#include <cstring>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -30,9 +31,71 @@ namespace {
 
 using namespace vx;
 
+// A line of standard input may hold this many bytes; a longer one is an error, not a cut.
+constexpr size_t kMaxLineBytes = size_t(1) << 20;
+// At most this many bytes of the user's text are shown in a message.
+constexpr size_t kMaxShownBytes = 40;
+// The largest latitude in degrees.
+constexpr double kMaxLatitude = 90.0;
+// The exit code of output that could not be written (a full disk, a closed pipe).
+constexpr int kOutputFailed = 1;
+// The exit code of input that could not be converted.
+constexpr int kBadInput = 2;
+
+// The user's text as a message shows it: printable ASCII as it is, every other byte as \xNN,
+// and no more than kMaxShownBytes of it, so that a message never carries raw bytes to the
+// terminal.
+std::string Shown(const std::string &raw) {
+    static const char hex[] = "0123456789abcdef";
+    std::string shown;
+    for (size_t i = 0; i < raw.size() && i < kMaxShownBytes; ++i) {
+        const auto c = static_cast<unsigned char>(raw[i]);
+        if (c >= 0x20 && c < 0x7F) {
+            shown += static_cast<char>(c);
+        } else {
+            shown += "\\x";
+            shown += hex[c >> 4];
+            shown += hex[c & 0xF];
+        }
+    }
+    return raw.size() > kMaxShownBytes ? shown + "..." : shown;
+}
+
 bool ParseNumber(const std::string &text, double &value) {
+    // A NUL would end the text early and let "1\0junk" pass as 1.
+    if (text.find('\0') != std::string::npos) return false;
     const CVXString s(text.c_str());
     return bString2Number(&value, static_cast<const char16_t *>(s));
+}
+
+// Writes one line of output; false when it could not be written.
+bool PutLine(const std::string &text) {
+    return std::fwrite(text.data(), 1, text.size(), stdout) == text.size() &&
+           std::fputc('\n', stdout) != EOF;
+}
+
+int OutputFailed() {
+    Fail(std::string("cannot write the output: ") + std::strerror(errno));
+    return kOutputFailed;
+}
+
+enum class LineState { read, end, tooLong };
+
+// Reads one line of standard input without its line end; a line over kMaxLineBytes is read to
+// its end and reported as too long, so that memory stays bounded and the next line is in step.
+LineState ReadLine(std::string &line) {
+    line.clear();
+    int c = std::getc(stdin);
+    if (c == EOF) return LineState::end;
+    bool tooLong = false;
+    for (; c != EOF && c != '\n'; c = std::getc(stdin)) {
+        if (line.size() < kMaxLineBytes)
+            line.push_back(static_cast<char>(c));
+        else
+            tooLong = true;
+    }
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    return tooLong ? LineState::tooLong : LineState::read;
 }
 
 std::string KnownKeywords() {
@@ -78,7 +141,7 @@ std::string TakeOptions(Args &args, SOptions &o) {
         if (target == nullptr)
             o.ellipsoid = v;
         else if (!ParseNumber(v, *target))
-            return "not a number for " + a + ": '" + v + "'";
+            return "not a number for " + a + ": '" + Shown(v) + "'";
     }
     args.swap(rest);
     return {};
@@ -97,14 +160,15 @@ std::unique_ptr<COutputSystem> MakeProjection(const std::string &keyword, const 
                                               std::string &error) {
     ProjectionType type = PT_NONE;
     if (!bGetProjectionType(CVXString(keyword.c_str()), type)) {
-        error = "unknown projection keyword '" + keyword + "' (known: " + KnownKeywords() + ")";
+        error =
+            "unknown projection keyword '" + Shown(keyword) + "' (known: " + KnownKeywords() + ")";
         return nullptr;
     }
     std::unique_ptr<CEllipsoid> ell;
     if (!o.ellipsoid.empty()) {
         ell.reset(pGetNewEllipsoid(CVXString(o.ellipsoid.c_str()), 0.0, 0.0));
         if (!ell) {
-            error = "unknown ellipsoid keyword '" + o.ellipsoid + "'";
+            error = "unknown ellipsoid keyword '" + Shown(o.ellipsoid) + "'";
             return nullptr;
         }
     }
@@ -137,23 +201,41 @@ bool ConvertOne(COutputSystem &p, bool bForward, const Args &nums, std::string &
     double v[3] = {0.0, 0.0, 0.0};
     for (size_t i = 0; i < nums.size(); ++i) {
         if (!ParseNumber(nums[i], v[i])) {
-            error = "not a number: '" + nums[i] + "'";
+            error = "not a number: '" + Shown(nums[i]) + "'";
+            return false;
+        }
+        // The parser takes "nan" and "inf"; no coordinate is either.
+        if (!std::isfinite(v[i])) {
+            error = "not a finite number: '" + Shown(nums[i]) + "'";
             return false;
         }
     }
-    char buf[160];
+    if (bForward && std::fabs(v[0]) > kMaxLatitude) {
+        error = "latitude beyond 90 degrees: '" + Shown(nums[0]) + "'";
+        return false;
+    }
+    double r[3];
     if (bForward) {
         CVXCoord xy;
         p.ETRS2LOCAL(xy, CEllCoord(DegToRad(v[0]), DegToRad(v[1]), v[2]));
-        std::snprintf(buf, sizeof buf, "%.4f %.4f %.4f", xy.dGetX(), xy.dGetY(), xy.dGetZ());
+        r[0] = xy.dGetX();
+        r[1] = xy.dGetY();
+        r[2] = xy.dGetZ();
     } else {
         CEllCoord ell;
         p.LOCAL2ETRS(ell, CVXCoord(v[0], v[1], v[2], 1));
-        double lon = RadToDeg(ell.dGetLon());
-        if (lon > 180.0) lon -= 360.0;
-        std::snprintf(buf, sizeof buf, "%.9f %.9f %.4f", RadToDeg(ell.dGetLat()), lon,
-                      ell.dGetHgt());
+        r[0] = RadToDeg(ell.dGetLat());
+        r[1] = RadToDeg(ell.dGetLon());
+        r[2] = ell.dGetHgt();
+        if (r[1] > 180.0) r[1] -= 360.0;
     }
+    if (!std::isfinite(r[0]) || !std::isfinite(r[1]) || !std::isfinite(r[2])) {
+        error = "the point has no finite result in this projection";
+        return false;
+    }
+    char buf[160];
+    std::snprintf(buf, sizeof buf, bForward ? "%.4f %.4f %.4f" : "%.9f %.9f %.4f", r[0], r[1],
+                  r[2]);
     out = buf;
     return true;
 }
@@ -173,27 +255,34 @@ int RunConvert(const Args &argsIn) {
     std::string out;
     if (!nums.empty()) {
         if (!ConvertOne(*p, bForward, nums, out, error)) return Fail(error);
-        std::printf("%s\n", out.c_str());
+        if (!PutLine(out) || std::fflush(stdout) != 0) return OutputFailed();
         return 0;
     }
     std::string line;
     int lineNo = 0;
     int rc = 0;
-    while (std::getline(std::cin, line)) {
+    for (LineState state; (state = ReadLine(line)) != LineState::end;) {
         ++lineNo;
-        std::istringstream in(line);
-        Args words;
-        for (std::string w; in >> w;)
-            words.push_back(w);
-        if (ConvertOne(*p, bForward, words, out, error)) {
-            std::printf("%s\n", out.c_str());
+        bool ok = false;
+        if (state == LineState::tooLong) {
+            error = "line longer than " + std::to_string(kMaxLineBytes) + " bytes";
+        } else if (line.find('\0') != std::string::npos) {
+            error = "line holds a NUL byte";
         } else {
-            // One line out per line in: a bad line gives an empty line and an error.
-            std::printf("\n");
+            std::istringstream in(line);
+            Args words;
+            for (std::string w; in >> w;)
+                words.push_back(w);
+            ok = ConvertOne(*p, bForward, words, out, error);
+        }
+        // One line out per line in: a bad line gives an empty line and an error.
+        if (!PutLine(ok ? out : std::string())) return OutputFailed();
+        if (!ok) {
             Fail("line " + std::to_string(lineNo) + ": " + error);
-            rc = 2;
+            rc = kBadInput;
         }
     }
+    if (std::fflush(stdout) != 0 || std::ferror(stdout)) return OutputFailed();
     return rc;
 }
 
