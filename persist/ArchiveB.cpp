@@ -567,7 +567,7 @@ ISerObject *CArchiveB::ReadObject(const CRuntimeCreator *requested) {
     NoteLoadedObject(object.get());
     {
         ObjectScope scope(m_nObjectSchema, schema, m_nDepth);
-        object->SerializeB(*this);
+        RunNestedLoad(m_nDepth, [&] { object->SerializeB(*this); });
     }
     return object.release();
 }

@@ -472,7 +472,7 @@ ISerObject *CArchiveX::ReadCurrent() {
     std::unique_ptr<ISerObject> object(creator->CreateObject());
     if (!object) return nullptr;
     NoteLoadedObject(object.get());
-    object->SerializeX(*this);
+    RunNestedLoad(m_nDepth, [&] { object->SerializeX(*this); });
     return object.release();
 }
 

@@ -2,9 +2,14 @@
 
 #include "persist/SerObject.h"
 
+#include "platform/Errors.h"
+
 #include <atomic>
+#include <exception>
 #include <mutex>
 #include <unordered_set>
+
+#include <pthread.h>
 
 namespace vx {
 
@@ -21,6 +26,24 @@ std::unordered_set<CLoadedObjects *> &Owners() {
 }
 
 thread_local CLoadedObjects *t_pCollecting = nullptr;
+
+// The work of one nested thread: what it runs, the collector it continues, what it raised.
+struct SNestedWork {
+    const std::function<void()> *work;
+    CLoadedObjects *collecting;
+    std::exception_ptr error;
+};
+
+void *RunNestedWork(void *p) {
+    auto *nested = static_cast<SNestedWork *>(p);
+    t_pCollecting = nested->collecting;
+    try {
+        (*nested->work)();
+    } catch (...) {
+        nested->error = std::current_exception();
+    }
+    return nullptr;
+}
 
 } // namespace
 
@@ -101,6 +124,27 @@ void NoteSerObjectDestroyed(const ISerObject *object) {
     const std::lock_guard<std::mutex> lock(g_mutex);
     for (CLoadedObjects *owner : Owners())
         owner->m_alive.erase(object);
+}
+
+} // namespace vx
+
+namespace vx {
+
+void RunNestedLoad(int depth, const std::function<void()> &work) {
+    if (depth == 0 || depth % kLevelsPerStack != 0) {
+        work();
+        return;
+    }
+    SNestedWork nested{&work, t_pCollecting, nullptr};
+    pthread_attr_t attr;
+    pthread_attr_init(&attr);
+    pthread_attr_setstacksize(&attr, kNestedStackBytes);
+    pthread_t thread;
+    const int err = pthread_create(&thread, &attr, &RunNestedWork, &nested);
+    pthread_attr_destroy(&attr);
+    if (err != 0) throw CVXComError(E_OUTOFMEMORY, __FILE__, __LINE__);
+    pthread_join(thread, nullptr);
+    if (nested.error) std::rethrow_exception(nested.error);
 }
 
 } // namespace vx

@@ -16,6 +16,7 @@
 #include "platform/VXExport.h"
 
 #include <cstddef>
+#include <functional>
 #include <unordered_map>
 #include <vector>
 
@@ -69,5 +70,16 @@ private:
 void NoteLoadedObject(ISerObject *object);
 // Called by every ISerObject destructor: the object leaves any owner that holds it.
 void NoteSerObjectDestroyed(const ISerObject *object);
+
+// Loads nest as deep as the document's objects do, and a level takes several frames (more
+// still under the sanitizers), so a thread's own stack (often 1 MiB for a worker) would not hold
+// the archives' nesting limit. The archives therefore read the fields of an object at a depth
+// that is a multiple of kLevelsPerStack on a new thread with a stack of kNestedStackBytes, and
+// wait for it: the caller's stack holds at most kLevelsPerStack levels. The thread collects
+// into the caller's CLoadedObjects; an exception of `work` travels on in the caller. A thread
+// that cannot be made raises CVXComError (E_OUTOFMEMORY).
+constexpr int kLevelsPerStack = 100;
+constexpr size_t kNestedStackBytes = size_t(8) << 20;
+void RunNestedLoad(int depth, const std::function<void()> &work);
 
 } // namespace VX_API
