@@ -124,11 +124,10 @@ public:
     explicit CReplacement(const CVXString &target) : m_target(target) {
         const std::string native = static_cast<const char *>(target);
         const size_t slash = native.rfind('/');
-        const std::string dir = slash == std::string::npos ? "." : native.substr(0, slash + 1);
-        const std::string base = slash == std::string::npos ? native : native.substr(slash + 1);
-        const std::string prefix = (slash == std::string::npos ? "" : dir) + "." + base + "." +
+        const size_t nameAt = slash == std::string::npos ? 0 : slash + 1;
+        m_dir = nameAt == 0 ? std::string(".") : native.substr(0, nameAt);
+        const std::string prefix = native.substr(0, nameAt) + "." + native.substr(nameAt) + "." +
                                    std::to_string(::getpid()) + ".";
-        m_dir = slash == std::string::npos ? "." : dir;
         for (int attempt = 0;; ++attempt) {
             const std::string name = prefix + std::to_string(s_counter++) + ".tmp";
             // O_EXCL: the name is ours alone; 0666 lets the umask decide as for any new file.
