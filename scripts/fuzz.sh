@@ -17,8 +17,10 @@ TIMEOUT_S=10
 JOBS=1
 
 cd "$(dirname "$0")/.."
-cmake --preset fuzz >/dev/null
-cmake --build build/fuzz -j2 >/dev/null
+# Under a lock, so that two runs started side by side do not build in one tree at once.
+mkdir -p build
+flock build/.fuzz-build.lock sh -c 'cmake --preset fuzz >/dev/null && cmake --build build/fuzz -j2 >/dev/null'
+
 
 if [ $# -eq 0 ]; then
     set -- $(for f in fuzz/fuzz_*.cpp; do basename "$f" .cpp; done)
