@@ -1,8 +1,13 @@
 #!/usr/bin/env bash
-# Installs the Debian packages the build, the tests and the tool need, when any is missing.
+# Installs the Debian packages the build, the tests and the tool need, when any is missing;
+# `deps.sh fuzz` adds what the fuzz targets need.
 set -euo pipefail
 packages=(cmake ninja-build g++ pkg-config libpugixml-dev libgtest-dev libgmock-dev
           libbenchmark-dev libproj-dev proj-bin proj-data libgeos-dev)
+# The fuzz targets need clang and its libFuzzer runtime.
+if [ "${1:-}" = fuzz ]; then
+  packages+=(clang libclang-rt-dev)
+fi
 missing=()
 for p in "${packages[@]}"; do
   dpkg -s "$p" >/dev/null 2>&1 || missing+=("$p")

@@ -17,6 +17,7 @@ TIMEOUT_S=10
 JOBS=1
 
 cd "$(dirname "$0")/.."
+scripts/deps.sh fuzz
 # Under a lock, so that two runs started side by side do not build in one tree at once.
 mkdir -p build
 flock build/.fuzz-build.lock sh -c 'cmake --preset fuzz >/dev/null && cmake --build build/fuzz -j2 >/dev/null'
