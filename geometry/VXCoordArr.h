@@ -25,6 +25,9 @@ class CGridDef;
 struct PuntInPolyRes;
 enum KlokRichting : int32_t;
 class CClipsnijpuntList;
+class CClipsnijpunt;
+class CVXCoordArrList;
+struct ClipField;
 enum SnijMode : int;
 
 class CVXCoordArr : public CTypedPtrArray<CSerObArray, CVXCoord *> {
@@ -207,6 +210,40 @@ public:
     // vertex of the stretch within dKopieTol is taken instead (with bCopy it takes the point
     // over but keeps its section code).
     int nInsertInLine(const CVXCoord &Punt, int nI, bool bCopy);
+    // Removes point nI; the stretch it belonged to falls back to straight stretches when it can
+    // no longer be an arc, a circle or a spline.
+    void RemoveFromLine(int nI);
+    // Splits at point nI into Links (0..nI) and Rechts (nI..end); both are emptied first. With
+    // bInKromme an arc's support point or a spline's inner point is cut keeping the curve.
+    bool bSplits(CVXCoordArr &Links, CVXCoordArr &Rechts, int nI, bool bInKromme) const;
+
+    // How bSluit finds the corner that closes an open line.
+    enum SluitMode : int {
+        SluitEvenwijdig = 0, // parallels to the last and the first stretch through the ends
+        SluitHaaks = 1,      // perpendiculars to the first and the last stretch at the ends
+        SluitVerlengd = 2    // the first and the last stretch, extended
+    };
+    bool bSluit(SluitMode nMode);
+    // This sequence becomes stretch nI of Punten, offset to the right by dAfstand.
+    void SchuifLijn(const CVXCoordArr &Punten, int nI, double dAfstand);
+    // This sequence becomes Punten offset to the right by dAfstand; nDeel -1 offsets every
+    // stretch, otherwise only stretch nDeel.
+    bool bSchuif(const CVXCoordArr &Punten, double dAfstand, int nDeel);
+    // Projects Punt on this line and makes the foot a vertex.
+    bool bSnapLine(CVXCoord &Punt, double dTol, double dZ, bool &bOpLijn);
+    // Snaps point nP of Lijn on this line.
+    bool bSnapLine(CVXCoordArr &Lijn, double dTol, int nP, double dZ, bool bProjecteer,
+                   bool &bOpLijn);
+    // Moves point nI so that the line turns square in direction dHoek.
+    void VerplaatsOrtho(int nI, double dHoek);
+    // Removes neighbours closer than dKopieTol; true when any was removed.
+    bool bRemoveDubbele();
+
+    // ---- polygon clipping (geometry/SnijPoly.cpp) ---------------------------------------------
+    // Cuts this line or polygon (A) by Punten (B): the pieces inside B are appended to Binnen,
+    // those outside to Buiten, with arcs and splines kept. False when nothing was cut.
+    bool bSnijPoly(CVXCoordArrList &Binnen, CVXCoordArrList &Buiten, const CVXCoordArr &Punten,
+                   ClipField Velden, bool bPolygoon) const;
 
     // ---- shape generators ---------------------------------------------------------------------
     // Turns a rough outline into a right-angled one (geometry/ShapeGen.cpp).
@@ -244,6 +281,22 @@ private:
     // Whether straight stretch nI of this line and nJ of Punten cross, by orientation alone.
     bool SnijRechten(const CVXCoordArr &Punten, int nI, int nJ) const;
     CVXCoord *Kloon(const CVXCoord *p) const;
+
+    // ---- line editing helpers -----------------------------------------------------------------
+    void SimpelSplits(CVXCoordArr &Links, CVXCoordArr &Rechts, int nI) const;
+    void CheckCoords();
+    bool bCopyToDest(int nI, const CVXCoordArr &Links, const CVXCoordArr &Rechts);
+    bool bGetClosest(CVXCoord *pPunt, const CVXCoordArr &Punten) const;
+    void CopySectiesZ(const CVXCoordArr &Punten);
+
+    // ---- clipping helpers (geometry/SnijPoly.cpp) ---------------------------------------------
+    void CreeerPolys(CVXCoordArrList &Lijst, const CVXCoordArr &Punten, CClipsnijpuntList &Clip,
+                     bool bBinnen) const;
+    void CreeerSegs(CVXCoordArrList &Lijst, const CVXCoordArr &Punten, CClipsnijpuntList &Clip,
+                    bool bBinnen) const;
+    void Add(const CVXCoordArr &Punten, CClipsnijpunt *pCP, short nMode, bool bGesloten);
+    void AddBegin(const CVXCoordArr &Punten, CClipsnijpunt *pCP);
+    void CreeerSubLoops(CVXCoordArrList &Lijst);
 };
 
 // A list of points; RemoveAll deletes the points, the destructor does not. Copies share the
