@@ -7,6 +7,7 @@
 #include "platform/CodePage.h"
 #include "platform/Errors.h"
 #include "platform/File.h"
+#include "platform/FileReplacement.h"
 #include "platform/Geometry2D.h"
 #include "platform/Guid.h"
 #include "platform/Lists.h"

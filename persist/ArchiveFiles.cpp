@@ -6,21 +6,17 @@
 #include "platform/CodePage.h"
 #include "platform/Errors.h"
 #include "platform/File.h"
+#include "platform/FileReplacement.h"
 
 #include <pugixml.hpp>
 
 #include <algorithm>
-#include <atomic>
 #include <cctype>
 #include <cerrno>
 #include <cstring>
 #include <exception>
 #include <memory>
 #include <string>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace vx {
 
@@ -115,63 +111,6 @@ auto Guarded(const CVXString &path, const char *what, F work) -> decltype(work()
         throw CArchiveFileError(std::string(what) + ": " + e.what(), path);
     }
 }
-
-// A new file beside the target that takes the target's place only when it is complete. The
-// name starts with a dot and ends in ".tmp", so that a directory listing shows what a kill left
-// behind; the file is removed when the replacement fails.
-class CReplacement {
-public:
-    explicit CReplacement(const CVXString &target) : m_target(target) {
-        const std::string native = static_cast<const char *>(target);
-        const size_t slash = native.rfind('/');
-        const size_t nameAt = slash == std::string::npos ? 0 : slash + 1;
-        m_dir = nameAt == 0 ? std::string(".") : native.substr(0, nameAt);
-        const std::string prefix = native.substr(0, nameAt) + "." + native.substr(nameAt) + "." +
-                                   std::to_string(::getpid()) + ".";
-        for (int attempt = 0;; ++attempt) {
-            const std::string name = prefix + std::to_string(s_counter++) + ".tmp";
-            // O_EXCL: the name is ours alone; 0666 lets the umask decide as for any new file.
-            const int fd = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-            if (fd >= 0) {
-                ::close(fd);
-                m_temp = name;
-                return;
-            }
-            if (errno != EEXIST || attempt >= kMaxNameAttempts)
-                CFileException::ThrowOsError(errno, CVXString(name.c_str()));
-        }
-    }
-    ~CReplacement() {
-        if (!m_temp.empty()) ::unlink(m_temp.c_str());
-    }
-    CReplacement(const CReplacement &) = delete;
-    CReplacement &operator=(const CReplacement &) = delete;
-
-    CVXString TempPath() const { return CVXString(m_temp.c_str()); }
-
-    // Renames the complete (and synchronised) file over the target, then synchronises the
-    // directory so that the rename itself survives a crash.
-    void Commit() {
-        struct stat st {};
-        if (::stat(static_cast<const char *>(m_target), &st) == 0)
-            ::chmod(m_temp.c_str(), st.st_mode & kPermissionBits);
-        CFile::Rename(TempPath(), m_target);
-        m_temp.clear();
-        const int dirFd = ::open(m_dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        if (dirFd >= 0) {
-            ::fsync(dirFd);
-            ::close(dirFd);
-        }
-    }
-
-private:
-    static constexpr int kMaxNameAttempts = 100;
-    static constexpr mode_t kPermissionBits = 07777;
-    static inline std::atomic<unsigned> s_counter{0};
-    CVXString m_target;
-    std::string m_dir;
-    std::string m_temp;
-};
 
 // Holds an existing target under an exclusive lock while it is replaced: a writer excludes the
 // readers and the other writers of the file. A target that does not exist, or that cannot be
@@ -340,7 +279,7 @@ CLoadedArchive LoadArchiveRoot(const CVXString &path) {
 void SaveArchiveRoot(const CVXString &path, const ISerObject &root, ArchiveFormat format) {
     Guarded(path, "cannot write the archive", [&] {
         const CTargetLock lock(path);
-        CReplacement replacement(path);
+        CFileReplacement replacement(path);
         CFile file(replacement.TempPath(), CFile::modeCreate | CFile::modeWrite |
                                                CFile::shareExclusive | CFile::typeBinary);
         WriteDocument(file, root, format);
