@@ -283,6 +283,10 @@ private:
     CVXCoord *Kloon(const CVXCoord *p) const;
 
     // ---- line editing helpers -----------------------------------------------------------------
+    // The stretch that starts at nStart loses a point: an arc there, the circle, or a spline of
+    // at most two points falls back to straight stretches (code 0). RemoveFromLine and
+    // CheckCoords share it.
+    void MaakKrommeRecht(int nStart);
     void SimpelSplits(CVXCoordArr &Links, CVXCoordArr &Rechts, int nI) const;
     void CheckCoords();
     bool bCopyToDest(int nI, const CVXCoordArr &Links, const CVXCoordArr &Rechts);
