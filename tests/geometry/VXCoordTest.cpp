@@ -22,104 +22,59 @@ constexpr double dMax = 1.7976931348623157e+308;
 } // namespace
 
 TEST(Deel, GuardedDivisionGivesNaNForEveryDivisionByZeroAndHugeQuotients) {
-    EXPECT_TRUE(std::isnan(dDeel(0.0, 0.0)));
-    EXPECT_TRUE(std::isnan(dDeel(1.0, 0.0)));
-    EXPECT_TRUE(std::isnan(dDeel(-1.0, -0.0)));
-    EXPECT_TRUE(std::isnan(dDeel(1e30, 1e-10)));
-    // The quotient would fit a double, but reaches 2^126.
-    EXPECT_TRUE(std::isnan(dDeel(1.0, 1e-200)));
-    EXPECT_TRUE(std::isnan(dDeel(dNaN, 2.0)));
-    EXPECT_TRUE(std::isnan(dDeel(dNaN, 0.5)));
-    EXPECT_TRUE(std::isnan(dDeel(1.0, dNaN)));
-    // python3: 1/1e-30 == 9.999999999999999e+29
-    EXPECT_EQ(dDeel(1.0, 1e-30), 9.999999999999999e+29);
-    EXPECT_EQ(dDeel(6.0, 3.0), 2.0);
+    // 1e30/1e-10 and 1/1e-200 would fit a double but reach 2^126; NaN travels on.
+    const std::pair<double, double> naarNaN[] = {{0.0, 0.0},    {1.0, 0.0},    {-1.0, -0.0},
+                                                 {1e30, 1e-10}, {1.0, 1e-200}, {dNaN, 2.0},
+                                                 {dNaN, 0.5},   {1.0, dNaN}};
+    for (const auto &[a, b] : naarNaN)
+        EXPECT_TRUE(std::isnan(dDeel(a, b))) << a << " / " << b;
+    EXPECT_EQ(dDeel(1.0, 1e-30), 9.999999999999999e+29); // python3: 1/1e-30
     EXPECT_EQ(dDeel(-7.0, 0.5), -14.0);
     // The limit itself is excluded: |a| must stay below |b|·2^126.
     const double b = std::ldexp(1.0, -126);
     EXPECT_TRUE(std::isnan(dDeel(1.0, b)));
     EXPECT_EQ(dDeel(0.5, b), std::ldexp(1.0, 125));
-    EXPECT_EQ(dDeelLimiet, std::ldexp(1.0, 126));
-}
-
-TEST(Deel, ExtendedOverloadUsesTwoToThe252) {
-    const long double b = std::ldexp(1.0L, -200);
-    EXPECT_EQ(static_cast<long double>(dDeel(LongDouble(1.0L), LongDouble(b))),
-              std::ldexp(1.0L, 200));
-    EXPECT_TRUE(std::isnan(static_cast<long double>(dDeel(LongDouble(1.0L), LongDouble(0.0L)))));
-    const long double c = std::ldexp(1.0L, -252);
-    EXPECT_TRUE(std::isnan(static_cast<long double>(dDeel(LongDouble(1.0L), LongDouble(c)))));
-    EXPECT_EQ(static_cast<long double>(dDeel(LongDouble(0.5L), LongDouble(c))),
-              std::ldexp(1.0L, 251));
+    // The extended form stops at 2^252.
+    const auto dL = [](long double x, long double y) {
+        return static_cast<long double>(dDeel(LongDouble(x), LongDouble(y)));
+    };
+    EXPECT_EQ(dL(1.0L, std::ldexp(1.0L, -200)), std::ldexp(1.0L, 200));
+    EXPECT_TRUE(std::isnan(dL(1.0L, std::ldexp(1.0L, -252))));
+    EXPECT_EQ(dL(0.5L, std::ldexp(1.0L, -252)), std::ldexp(1.0L, 251));
 }
 
 TEST(Deel, DigitCountTreatsSmallNumbersLikeTheirReciprocals) {
-    EXPECT_EQ(nCijfers(10.0), 2);
-    EXPECT_EQ(nCijfers(-10.0), 3);
-    EXPECT_EQ(nCijfers(0.01), 3);
-    EXPECT_EQ(nCijfers(0.0), 1);
-    EXPECT_EQ(nCijfers(dNaN), 5);
-    EXPECT_EQ(nCijfers(1.0), 1);
-    EXPECT_EQ(nCijfers(999.0), 3);
-    EXPECT_EQ(nCijfers(0.5), 1);      // 1/0.5 = 2
-    EXPECT_EQ(nCijfers(-0.001), 5);   // 1000 has log 3, plus 2 for the sign
-    EXPECT_EQ(nCijfers(1e-200), 5);   // the reciprocal is refused by dDeel
-    EXPECT_EQ(nCijfers(HUGE_VAL), 5); // no width for an infinity
+    // 1/0.5 = 2 has one digit; 1/0.001 = 1000 has log 3, plus 2 for the sign; 1e-200's
+    // reciprocal is refused by dDeel, and infinity and NaN get the fallback width 5.
+    const std::pair<double, int> breedtes[] = {{10.0, 2},   {-10.0, 3},   {0.01, 3}, {0.0, 1},
+                                               {dNaN, 5},   {999.0, 3},   {0.5, 1},  {-0.001, 5},
+                                               {1e-200, 5}, {HUGE_VAL, 5}};
+    for (const auto &[x, n] : breedtes)
+        EXPECT_EQ(nCijfers(x), n) << x;
 }
 
-TEST(VXCoordFlags, ConstructorsMarkChangesAsymmetrically) {
-    const CVXCoord leeg;
-    EXPECT_EQ(leeg.m_dX, 0.0);
-    EXPECT_EQ(leeg.m_dY, 0.0);
-    EXPECT_TRUE(std::isnan(leeg.m_dZ));
-    EXPECT_TRUE(std::isnan(leeg.m_dDiepte));
-    EXPECT_TRUE(std::isnan(leeg.PrecX()));
-    EXPECT_EQ(leeg.nGetSectie(), 1);
-    EXPECT_EQ(leeg.nGetChFlags(), 0);
-    EXPECT_EQ(leeg.Parameters(), 0);
-
-    const CVXCoord twee(1, 2);
-    EXPECT_EQ(twee.nGetChFlags(), 7);
-    EXPECT_TRUE(std::isnan(twee.m_dZ));
-    EXPECT_EQ(twee.nGetSectie(), 1);
-
+TEST(VXCoordFlags, ConstructorsAndWritersMarkChangesAsymmetrically) {
+    // Two and three arguments mark everything; four (with a Z) mark nothing; copies keep flags.
+    EXPECT_EQ(CVXCoord().nGetChFlags(), 0);
+    EXPECT_EQ(CVXCoord(1, 2).nGetChFlags(), 7);
     const CVXCoord drie(1, 2, 8);
     EXPECT_EQ(drie.nGetChFlags(), 7);
-    EXPECT_EQ(drie.nGetSectie(), 8);
+    EXPECT_EQ(CVXCoord(drie).nGetSectie(), 8);
+    EXPECT_EQ(CVXCoord(1, 2, 3, 1).nGetChFlags(), 0);
 
-    const CVXCoord vier(1, 2, 3, 1);
-    EXPECT_EQ(vier.nGetChFlags(), 0);
-    EXPECT_EQ(vier.m_dZ, 3.0);
-
-    const CVXCoord kopie(drie);
-    EXPECT_EQ(kopie.nGetChFlags(), 7);
-    EXPECT_EQ(kopie.nGetSectie(), 8);
-}
-
-TEST(VXCoordFlags, WritersSetTheirBitsAndPositionChangesClearTheOrigin) {
     CVXCoord p(0, 0, 0, 1);
     p.SetHerk(static_cast<char>(0x1B)); // only the low four bits are taken
-    EXPECT_EQ(p.nGetHerk(), 0x0B);
-    EXPECT_EQ(p.nGetChFlags(), 4);
     p.SetFixed(true);
-    EXPECT_TRUE(p.bGetFixed());
     EXPECT_EQ(p.Parameters(), 0x010B);
+    EXPECT_EQ(p.nGetChFlags(), 4);
     p.SetUnChanged();
-    p.SetX(5.0);
-    EXPECT_EQ(p.nGetHerk(), 0);
-    EXPECT_TRUE(p.bGetFixed());
+    p.SetX(5.0); // a position change clears the origin, keeps the fixed flag
+    EXPECT_EQ(p.Parameters(), 0x0100);
     EXPECT_EQ(p.nGetChFlags(), 5);
-    EXPECT_TRUE(p.bCoordChanged());
-    EXPECT_TRUE(p.bParmsChanged());
-    EXPECT_FALSE(p.bSecSnapChanged());
-
     p.SetUnChanged();
-    EXPECT_FALSE(p.Gewijzigd());
     p.SetSectie(8);
     EXPECT_TRUE(p.bOnlySecSnapChanged());
-    EXPECT_TRUE(p.bChanged());
     p.SetDiepteD(2.5);
-    EXPECT_FALSE(p.bOnlySecSnapChanged());
     EXPECT_EQ(p.nGetChFlags(), 6);
 
     CVXCoord q(0, 0, 0, 1);
@@ -128,15 +83,12 @@ TEST(VXCoordFlags, WritersSetTheirBitsAndPositionChangesClearTheOrigin) {
     q.Set(1, 2, 3, 6);
     EXPECT_EQ(q.nGetChFlags(), 7);
     EXPECT_EQ(q.Parameters(), 0xFFF0);
-    EXPECT_EQ(q.nGetSectie(), 6);
 
     CVXCoord r(0, 0, 0, 1);
     r.PrecDX(3.0);
     r.PrecDY(4.0);
     EXPECT_EQ(r.nGetChFlags(), 4);
     EXPECT_EQ(r.PrecXY(), 5.0);
-    r.SetCCoord();
-    EXPECT_EQ(r.nGetChFlags(), 5);
     EXPECT_TRUE(std::isnan(CVXCoord().PrecXY()));
 }
 
@@ -145,112 +97,65 @@ TEST(VXCoordCopies, EachCopyFormKeepsOrDropsItsFields) {
     bron.SetHerk(5);
     bron.PrecDX(0.1);
     bron.SetCSecSnap(); // flags 6
-
-    CVXCoord a(9, 9, 9, 2);
+    // Copy takes everything, flags included; the partial forms mark all (7).
+    CVXCoord a(9, 9, 9, 2), b(a), c(a), d(a), e;
     a.Copy(bron);
     EXPECT_TRUE(a.bEqualXYZ(bron));
     EXPECT_EQ(a.nGetSectie(), 8);
     EXPECT_EQ(a.nGetChFlags(), 6);
     EXPECT_EQ(a.nGetHerk(), 5);
-
-    CVXCoord b(9, 9, 9, 2);
     b.CopyNoS(bron);
     EXPECT_EQ(b.m_dZ, 3.0);
     EXPECT_EQ(b.nGetSectie(), 2);
     EXPECT_EQ(b.nGetChFlags(), 7);
     EXPECT_EQ(b.PrecX(), 0.1);
-
-    CVXCoord c(9, 9, 9, 2);
     c.CopyNoZ(bron);
     EXPECT_EQ(c.m_dZ, 9.0);
     EXPECT_EQ(c.nGetSectie(), 8);
-    EXPECT_EQ(c.nGetChFlags(), 7);
-
-    CVXCoord d(9, 9, 9, 2);
     d.CopyNoZNoS(bron);
     EXPECT_EQ(d.m_dZ, 9.0);
     EXPECT_EQ(d.nGetSectie(), 2);
-    EXPECT_EQ(d.m_dX, 1.0);
-
-    CVXCoord e;
     e.Copy(bron, 0);
     EXPECT_EQ(e.nGetSectie(), 0);
     EXPECT_EQ(e.nGetHerk(), 0);
     EXPECT_EQ(e.nGetChFlags(), 7);
-
-    CVXCoord f;
-    f = bron;
-    EXPECT_EQ(f.nGetChFlags(), 6);
-
-    CVXCoord *pKloon = bron.New();
-    EXPECT_TRUE(pKloon->bEqualXYZ(bron));
-    EXPECT_EQ(pKloon->nGetSectie(), 8);
-    delete pKloon;
 }
 
 TEST(VXCoordArithmetic, ResultsHaveCodeOneAndAZOnlyWhenAllInputsHaveOne) {
     const CVXCoord a2(1, 2), b2(10, 20);
     const CVXCoord a3(1, 2, 3, 8), b3(10, 20, 30, 6);
-
     const CVXCoord som2 = a2 + b2;
-    EXPECT_EQ(som2.m_dX, 11.0);
     EXPECT_EQ(som2.m_dY, 22.0);
     EXPECT_TRUE(std::isnan(som2.m_dZ));
     EXPECT_EQ(som2.nGetChFlags(), 7);
-    EXPECT_EQ(som2.nGetSectie(), 1);
-
     const CVXCoord som3 = a3 + b3;
     EXPECT_EQ(som3.m_dZ, 33.0);
     EXPECT_EQ(som3.nGetChFlags(), 0);
     EXPECT_EQ(som3.nGetSectie(), 1);
-
-    const CVXCoord gemengd = a3 - b2;
-    EXPECT_EQ(gemengd.m_dX, -9.0);
-    EXPECT_TRUE(std::isnan(gemengd.m_dZ));
-    EXPECT_EQ(gemengd.nGetChFlags(), 7);
-
-    const CVXCoord verschil = b3 - a3;
-    EXPECT_EQ(verschil.m_dZ, 27.0);
-    EXPECT_EQ(verschil.nGetChFlags(), 0);
-
-    const CVXCoord maal = 2.0 * a3;
-    EXPECT_EQ(maal.m_dZ, 6.0);
-    EXPECT_EQ(maal.nGetChFlags(), 0);
-    const CVXCoord maal2 = a2 * 3.0;
-    EXPECT_EQ(maal2.m_dY, 6.0);
-    EXPECT_EQ(maal2.nGetChFlags(), 7);
-
+    EXPECT_TRUE(std::isnan((a3 - b2).m_dZ));
+    EXPECT_EQ((b3 - a3).m_dZ, 27.0);
+    EXPECT_EQ((2.0 * a3).m_dZ, 6.0);
+    EXPECT_EQ((a2 * 3.0).nGetChFlags(), 7);
     // (1,2,3) × (4,5,6) = (2·6 − 5·3, 3·4 − 1·6, 1·5 − 2·4) = (−3, 6, −3)
     const CVXCoord kruis = CVXCoord(1, 2, 3, 1) * CVXCoord(4, 5, 6, 1);
-    EXPECT_EQ(kruis.m_dX, -3.0);
-    EXPECT_EQ(kruis.m_dY, 6.0);
-    EXPECT_EQ(kruis.m_dZ, -3.0);
-    EXPECT_EQ(kruis.nGetChFlags(), 0);
-
+    EXPECT_TRUE(kruis.bEqualXYZ(CVXCoord(-3, 6, -3, 1)));
     EXPECT_EQ(a3 | b2, 50.0); // X and Y only
-}
-
-TEST(VXCoordArithmetic, CrossProductOfAPlanarPointReportsAndGivesTheDefaultPoint) {
+    // A planar factor is reported and gives the default point.
     AssertCatcher reports;
-    const CVXCoord kruis = CVXCoord(1, 2) * CVXCoord(4, 5, 6, 1);
+    const CVXCoord plat = CVXCoord(1, 2) * CVXCoord(4, 5, 6, 1);
     EXPECT_TRUE(reports.Has("!_isnan(A.m_dZ)&&!_isnan(B.m_dZ)"));
-    EXPECT_EQ(kruis.m_dX, 0.0);
-    EXPECT_EQ(kruis.m_dY, 0.0);
-    EXPECT_TRUE(std::isnan(kruis.m_dZ));
-    EXPECT_EQ(kruis.nGetChFlags(), 0);
+    EXPECT_TRUE(plat.bEqualXYZ(CVXCoord()));
 }
 
 TEST(VXCoordCompare, EqualityRulesAndTheStrictPointTolerance) {
     EXPECT_TRUE(CVXCoord(1, 2).bEqual(CVXCoord(1, 2, 7, 1)));
     EXPECT_FALSE(CVXCoord(1, 2).bEqual(CVXCoord(1, 2.0000001)));
-
-    EXPECT_TRUE(CVXCoord(1, 2).bEqualXYZ(CVXCoord(1, 2)));
     EXPECT_FALSE(CVXCoord(1, 2).bEqualXYZ(CVXCoord(1, 2, 0, 1)));
-    EXPECT_TRUE(CVXCoord(1, 2, 3, 1).bEqualXYZ(CVXCoord(1, 2, 3, 8)));
     EXPECT_TRUE(CVXCoord(dNaN, 2).bEqualXYZ(CVXCoord(dNaN, 2)));
 
-    const CVXCoord plat(0, 0);
-    const CVXCoord hoog(0, 0, 5, 1);
+    // A point with a height and one without are never near; the Ex form lets the planar one
+    // measure in the plane.
+    const CVXCoord plat(0, 0), hoog(0, 0, 5, 1);
     EXPECT_FALSE(plat.bGelijk(hoog));
     EXPECT_EQ(plat.dDist2D3D(hoog), dMax);
     EXPECT_EQ(hoog.dDist2D3DEx(plat), dMax);
@@ -260,14 +165,13 @@ TEST(VXCoordCompare, EqualityRulesAndTheStrictPointTolerance) {
     EXPECT_TRUE(CVXCoord(0, 0).bGelijk(CVXCoord(0.00049, 0)));
     EXPECT_TRUE(CVXCoord(0, 0, 1, 1).bGelijk(CVXCoord(0, 0, 1.0004, 1)));
 
-    EXPECT_TRUE(CVXCoord(0, 0, 8).bGelijkInLijn(CVXCoord(0, 0, 8)));
+    // In a line, a start (1) or spline (6) code matches anything; 0 and 8 do not match.
     EXPECT_TRUE(CVXCoord(0, 0, 1).bGelijkInLijn(CVXCoord(0, 0, 8)));
     EXPECT_TRUE(CVXCoord(0, 0, 6).bGelijkInLijn(CVXCoord(0, 0, 1)));
     EXPECT_FALSE(CVXCoord(0, 0, 0).bGelijkInLijn(CVXCoord(0, 0, 8)));
     EXPECT_FALSE(CVXCoord(0, 0, 8).bGelijkInLijn(CVXCoord(1, 0, 8)));
-}
 
-TEST(VXCoordCompare, PlanarPrecisionRanking) {
+    // Precision ranking: known beats unknown, finer beats coarser, equal planar size ties.
     CVXCoord onbekend, fijn, grof, ook;
     fijn.PrecDX(0.01);
     fijn.PrecDY(0.01);
@@ -277,23 +181,17 @@ TEST(VXCoordCompare, PlanarPrecisionRanking) {
     ook.PrecDY(0.1);
     EXPECT_EQ(onbekend.nCompPIB(CVXCoord()), 0);
     EXPECT_EQ(fijn.nCompPIB(onbekend), 1);
-    EXPECT_EQ(onbekend.nCompPIB(fijn), -1);
-    EXPECT_EQ(fijn.nCompPIB(grof), 1);
     EXPECT_EQ(grof.nCompPIB(fijn), -1);
     EXPECT_EQ(grof.nCompPIB(ook), 0);
 }
 
 TEST(VXCoordDistance, PlanarSpatialAndMixedDistances) {
-    EXPECT_EQ(CVXCoord(1, 1).dDist(CVXCoord(4, 5)), 5.0);
     EXPECT_EQ(CVXCoord(1, 1, 100, 1).dDist(CVXCoord(4, 5)), 5.0);
     EXPECT_EQ(CVXCoord(1, 1).dDist2D3D(CVXCoord(4, 5)), 5.0);
-    EXPECT_EQ(CVXCoord(0, 0, 0, 1).dDist2D3D(CVXCoord(2, 3, 6, 1)), 7.0);
     EXPECT_EQ(CVXCoord(0, 0, 0, 1).dDist2D3DEx(CVXCoord(2, 3, 6, 1)), 7.0);
     double dx = 0, dy = 0, dz = 0;
     EXPECT_EQ(CVXCoord(1, 1, 1, 1).dDist2D3D(CVXCoord(3, 4, 7, 1), dx, dy, dz), 7.0);
-    EXPECT_EQ(dx, 2.0);
-    EXPECT_EQ(dy, 3.0);
-    EXPECT_EQ(dz, 6.0);
+    EXPECT_TRUE(CVXCoord(dx, dy, dz, 1).bEqualXYZ(CVXCoord(2, 3, 6, 1)));
     EXPECT_EQ(CVXCoord(2, 3, 6, 1).dLengte(), 7.0);
     EXPECT_TRUE(std::isnan(CVXCoord(3, 4).dLengte()));
 }
@@ -301,24 +199,19 @@ TEST(VXCoordDistance, PlanarSpatialAndMixedDistances) {
 TEST(VXCoordAngle, DirectionsAndTheAngleAtAVertex) {
     const CVXCoord o(0, 0);
     EXPECT_EQ(o.dHoek(o), 0.0);
-    EXPECT_EQ(CVXCoord(-0.0, -0.0).dHoek(CVXCoord(0, 0)), 0.0);
+    EXPECT_EQ(CVXCoord(-0.0, -0.0).dHoek(o), 0.0);
     EXPECT_EQ(o.dHoek(CVXCoord(-1, 0)), pi);
-    EXPECT_EQ(o.dHoek(CVXCoord(1, 1)), 0.7853981633974483); // python3 math.atan2(1, 1)
     EXPECT_EQ(o.dHoek(CVXCoord(0, -1)), -pi / 2);
     EXPECT_EQ(o.dPosHoek(CVXCoord(0, -1)), 4.71238898038469); // python3 -pi/2 + 2*pi
-    EXPECT_EQ(o.dPosHoek(CVXCoord(0, 1)), pi / 2);
 
     // Two coinciding points: the cosine rule has no answer, the angle is 0.
     EXPECT_EQ(CVXCoord::dHoek(o, o, CVXCoord(1, 0)), 0.0);
     // A right angle at B. Down then right is a counter-clockwise turn (sense −1), so the angle
     // is negative; right to left then up is clockwise and positive.
     // python3: a=1, c=1, b=hypot(1,1); acos((a*a+c*c-b*b)/(2*a*c)) == 1.5707963267948968
-    const double links = CVXCoord::dHoek(CVXCoord(0, 1), o, CVXCoord(1, 0));
-    EXPECT_EQ(links, -1.5707963267948968);
-    const double rechts = CVXCoord::dHoek(CVXCoord(1, 0), o, CVXCoord(0, 1));
-    EXPECT_EQ(rechts, 1.5707963267948968);
+    EXPECT_EQ(CVXCoord::dHoek(CVXCoord(0, 1), o, CVXCoord(1, 0)), -1.5707963267948968);
+    EXPECT_EQ(CVXCoord::dHoek(CVXCoord(1, 0), o, CVXCoord(0, 1)), 1.5707963267948968);
     EXPECT_EQ(CVXCoord::dPosHoek(CVXCoord(0, 1), o, CVXCoord(1, 0)), -1.5707963267948968 + 2 * pi);
-    EXPECT_EQ(CVXCoord::dPosHoek(CVXCoord(1, 0), o, CVXCoord(0, 1)), 1.5707963267948968);
     // Collinear, straight on: the sense counts as 1 and the angle is π.
     EXPECT_EQ(CVXCoord::dHoek(CVXCoord(-1, 0), o, CVXCoord(1, 0)), pi);
 }
@@ -330,12 +223,9 @@ TEST(VXCoordAngle, TurningSenseWithItsCollinearBand) {
     EXPECT_EQ(CVXCoord::nBoogRichting(A, CVXCoord(1, 1), CVXCoord(2, 2)), 0);
     EXPECT_EQ(CVXCoord::nBoogRichting(CVXCoord(dNaN, 0), CVXCoord(dNaN, 1), CVXCoord(1, dNaN)), 0);
     // v = B.Y·C.X for A at the origin and B on the Y axis: the band is ±6.250000000000001e-14.
-    EXPECT_EQ(CVXCoord::nBoogRichting(A, B, CVXCoord(7e-14, 0)), 1);
-    EXPECT_EQ(CVXCoord::nBoogRichting(A, B, CVXCoord(6e-14, 0)), 0);
-    EXPECT_EQ(CVXCoord::nBoogRichting(A, B, CVXCoord(-6e-14, 0)), 0);
-    EXPECT_EQ(CVXCoord::nBoogRichting(A, B, CVXCoord(-7e-14, 0)), -1);
-    const CVXCoord *const tabel[3] = {&A, &B, &C};
-    EXPECT_EQ(CVXCoord::nBoogRichting(tabel), 1);
+    const std::pair<double, int> band[] = {{7e-14, 1}, {6e-14, 0}, {-6e-14, 0}, {-7e-14, -1}};
+    for (const auto &[x, n] : band)
+        EXPECT_EQ(CVXCoord::nBoogRichting(A, B, CVXCoord(x, 0)), n) << x;
 }
 
 TEST(VXCoordAngle, SpreadIsTheSquaredSineWithItsSector) {
@@ -348,38 +238,26 @@ TEST(VXCoordAngle, SpreadIsTheSquaredSineWithItsSector) {
     EXPECT_EQ(CVXCoord::Spread(CVXCoord(1, 0), CVXCoord(-1, 1), C, type), 0.5);
     EXPECT_EQ(type, CVXCoord::Stomp);
     EXPECT_TRUE(std::isnan(CVXCoord::Spread(C, CVXCoord(1, 1), C, type)));
-    EXPECT_EQ(static_cast<int>(CVXCoord::Scherp), 0);
-    EXPECT_EQ(static_cast<int>(CVXCoord::Stomp), 1);
-    EXPECT_EQ(static_cast<int>(CVXCoord::Recht), 2);
 }
 
 TEST(VXCoordConstruct, MiddleShiftTransformAndHorner) {
     CVXCoord m(0, 0, 9, 1);
     m.Midden(CVXCoord(1, 2), CVXCoord(3, 8));
-    EXPECT_EQ(m.m_dX, 2.0);
-    EXPECT_EQ(m.m_dY, 5.0);
-    EXPECT_EQ(m.m_dZ, 9.0); // Z is left alone
+    EXPECT_TRUE(m.bEqualXYZ(CVXCoord(2, 5, 9, 1))); // Z is left alone
     EXPECT_EQ(m.nGetChFlags(), 5);
-
-    CVXCoord s(1, 1, 0, 1);
-    s.Schuif(2.0, 0.0);
-    EXPECT_EQ(s.m_dX, 3.0);
-    EXPECT_EQ(s.m_dY, 1.0);
 
     const CVXCoord basis(5, 5, 2, 8);
     CVXCoord t(0, 0, 6);
     t.Schuif(basis, 1.0, 0.0, false);
-    EXPECT_EQ(t.m_dX, 6.0);
-    EXPECT_EQ(t.m_dZ, 2.0);
+    EXPECT_TRUE(t.bEqualXYZ(CVXCoord(6, 5, 2, 1)));
     EXPECT_EQ(t.nGetSectie(), 6);
     t.Schuif(basis, 1.0, 0.0, true);
     EXPECT_EQ(t.nGetSectie(), 8);
 
+    // (3,4) − (1,1) = (2,3), doubled and moved to (10,20): (14, 26).
     CVXCoord tr(3, 4, 7, 1);
     tr.Transform(CVXCoord(1, 1), CVXCoord(10, 20), 0.0, 2.0);
-    EXPECT_EQ(tr.m_dX, 14.0);
-    EXPECT_EQ(tr.m_dY, 26.0);
-    EXPECT_EQ(tr.m_dZ, 7.0);
+    EXPECT_TRUE(tr.bEqualXYZ(CVXCoord(14, 26, 7, 1)));
     CVXCoord rot(2, 1);
     rot.Transform(CVXCoord(1, 1), CVXCoord(1, 1), pi / 2, 1.0);
     // cos(π/2) is 6.1e-17, not 0: a quarter turn lands within 1e-15 of (1, 2).
@@ -404,7 +282,6 @@ TEST(VXCoordConstruct, UnitVectorPerpendicularAndMeanHeight) {
     // python3: 3*math.sqrt(1/25), 4*math.sqrt(1/25)
     EXPECT_EQ(uit.m_dX, 0.6000000000000001);
     EXPECT_EQ(uit.m_dY, 0.8);
-    EXPECT_EQ(uit.nGetChFlags(), 5);
     CVXCoord nul(7, 7, 0, 1);
     EXPECT_FALSE(van.BepaalEenheidsVector2D(nul, van));
     EXPECT_EQ(nul.m_dX, 0.0);
@@ -412,24 +289,17 @@ TEST(VXCoordConstruct, UnitVectorPerpendicularAndMeanHeight) {
 
     // (1, 2, 3): t = (1 + 2)/−3 = −1 in Z, and (1, 1, −1)·(1, 2, 3) = 0.
     CVXCoord lood(9, 9, 9, 1);
-    lood.SetSectie(0);
     EXPECT_TRUE(CVXCoord(1, 2, 3, 1).Lood3D(lood));
-    EXPECT_EQ(lood.m_dX, 1.0);
-    EXPECT_EQ(lood.m_dY, 1.0);
-    EXPECT_EQ(lood.m_dZ, -1.0);
-    EXPECT_EQ(lood.nGetChFlags(), 2); // no flag of its own
+    EXPECT_TRUE(lood.bEqualXYZ(CVXCoord(1, 1, -1, 1)));
+    EXPECT_EQ(lood.nGetChFlags(), 0); // no flag of its own
     // Z = 0: the second form, t = (X + Z)/−Y = (2 + 0)/−4 = −0.5 into Y.
     EXPECT_TRUE(CVXCoord(2, 4, 0, 1).Lood3D(lood));
-    EXPECT_EQ(lood.m_dY, -0.5);
-    EXPECT_EQ(lood.m_dZ, 1.0);
+    EXPECT_TRUE(lood.bEqualXYZ(CVXCoord(1, -0.5, 1, 1)));
     // Y = Z = 0: the third form, t = (Y + Z)/−X = 0, lands in Y as well (not perpendicular).
     EXPECT_TRUE(CVXCoord(5, 0, 0, 1).Lood3D(lood));
-    EXPECT_EQ(lood.m_dX, 1.0);
-    EXPECT_EQ(lood.m_dY, 0.0);
-    EXPECT_EQ(lood.m_dZ, 1.0);
+    EXPECT_TRUE(lood.bEqualXYZ(CVXCoord(1, 0, 1, 1)));
     EXPECT_FALSE(CVXCoord(0, 0, 0, 1).Lood3D(lood));
-    EXPECT_EQ(lood.m_dX, 0.0);
-    EXPECT_EQ(lood.m_dZ, 0.0);
+    EXPECT_TRUE(lood.bEqualXYZ(CVXCoord(0, 0, 0, 1)));
     CVXCoord ongemoeid(4, 4, 4, 1);
     EXPECT_FALSE(CVXCoord(1, 2).Lood3D(ongemoeid));
     EXPECT_EQ(ongemoeid.m_dX, 4.0);
@@ -450,12 +320,9 @@ TEST(VXCoordText, FixedWidthsAndTheLocalisedUnknown) {
     CVXCoord prec;
     prec.PrecDX(0.25);
     EXPECT_TRUE(prec.szGetPrecX() == u"  0.250");
-    prec.PrecDZ(1.5);
-    EXPECT_TRUE(prec.szGetPrecZ() == u"  1.500");
 
     const int nTaal = GetResourceLanguage();
     SetResourceLanguage(LANG_ENGLISH_US);
-    EXPECT_TRUE(CVXCoord(1, 2).szGetZ() == u"Unknown");
     EXPECT_TRUE(prec.szGetPrecY() == u"Unknown");
     SetResourceLanguage(LANG_DUTCH);
     EXPECT_TRUE(CVXCoord(1, 2).szGetZ() == u"Onbekend");
@@ -467,13 +334,9 @@ TEST(VXCoordText, FixedWidthsAndTheLocalisedUnknown) {
 TEST(C2DVector, ResultsAreCleanPlanarVectors) {
     const C2DVector a(1, 2), b(4, 6);
     const C2DVector d = b - a;
-    EXPECT_EQ(d.m_dX, 3.0);
-    EXPECT_EQ(d.m_dY, 4.0);
+    EXPECT_EQ(d.dKwadraat(), 25.0); // (3, 4)
     EXPECT_EQ(d.nGetChFlags(), 0);
     EXPECT_TRUE(std::isnan(d.m_dZ));
-    EXPECT_EQ(d.dKwadraat(), 25.0);
-    EXPECT_EQ((a + b).m_dY, 8.0);
-    EXPECT_EQ((a * 2.0).m_dX, 2.0);
     EXPECT_EQ((a * 2.0).nGetChFlags(), 0);
     EXPECT_EQ(a | b, 16.0);
     C2DVector c(0, 0);
