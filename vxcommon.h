@@ -32,6 +32,7 @@
 #include "persist/ArchiveX.h"
 #include "persist/Dom.h"
 #include "persist/LoadedObjects.h"
+#include "persist/PointerIndex.h"
 #include "persist/RTCTree.h"
 #include "persist/RuntimeCreator.h"
 #include "persist/SerCollections.h"

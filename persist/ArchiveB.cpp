@@ -173,9 +173,10 @@ void CArchiveB::Close() {
 
 void CArchiveB::Abort() {
     m_pFile = nullptr;
-    m_storeMap.clear();
+    m_storeMap.Clear();
     m_loadArray.clear();
-    m_loadIndex.clear();
+    m_loadIndex.Clear();
+    m_nLoadIndexed = 1;
     m_bMapMade = false;
 }
 
@@ -437,18 +438,18 @@ void CArchiveB::MapObject(const ISerObject *object) {
         m_bMapMade = true;
         m_nMapCount = 1;
         if (IsStoring()) {
-            m_storeMap.reserve(m_nHashSize);
-            m_storeMap[nullptr] = 0;
+            // The null object is index 0 without an entry: WriteObject answers it first.
+            m_storeMap.Reserve(m_nHashSize);
         } else {
             m_loadArray.reserve(m_nGrowSize);
-            m_loadArray.push_back({nullptr, typeUndefined});
+            m_loadArray.push_back({nullptr, typeUndefined, false});
         }
     }
     if (!object) return;
     if (IsStoring())
-        m_storeMap[object] = m_nMapCount++;
+        m_storeMap.Set(object, m_nMapCount++);
     else {
-        m_loadArray.push_back({object, typeObject});
+        m_loadArray.push_back({object, typeObject, false});
         ++m_nMapCount;
     }
 }
@@ -457,9 +458,7 @@ void CArchiveB::WriteClass(const CRuntimeCreator *creator) {
     if (!creator) Throw(CArchiveBException::badClass);
     if (IsLoading()) Throw(CArchiveBException::genericException);
     MapObject(nullptr);
-    const auto it = m_storeMap.find(creator);
-    if (it != m_storeMap.end()) {
-        const uint32_t i = it->second;
+    if (const uint32_t i = m_storeMap.Find(creator)) {
         if (i < kMaxShortIndex)
             *this << static_cast<uint16_t>(i | kClassTag);
         else
@@ -468,7 +467,7 @@ void CArchiveB::WriteClass(const CRuntimeCreator *creator) {
     }
     *this << kNewClassTag;
     creator->Store(*this);
-    m_storeMap[creator] = m_nMapCount++;
+    m_storeMap.Set(creator, m_nMapCount++);
 }
 
 void CArchiveB::WriteObject(const ISerObject *object) {
@@ -478,9 +477,7 @@ void CArchiveB::WriteObject(const ISerObject *object) {
         *this << kNullTag;
         return;
     }
-    const auto it = m_storeMap.find(object);
-    if (it != m_storeMap.end()) {
-        const uint32_t i = it->second;
+    if (const uint32_t i = m_storeMap.Find(object)) {
         if (i < kMaxShortIndex)
             *this << static_cast<uint16_t>(i);
         else
@@ -488,7 +485,7 @@ void CArchiveB::WriteObject(const ISerObject *object) {
         return;
     }
     WriteClass(object->RuntimeCreator());
-    m_storeMap[object] = m_nMapCount++;
+    m_storeMap.Set(object, m_nMapCount++);
     const_cast<ISerObject *>(object)->SerializeB(*this);
 }
 
@@ -523,7 +520,7 @@ const CRuntimeCreator *CArchiveB::ReadClass(const CRuntimeCreator *, unsigned in
             (*m_pSchemaMap)[creator] = stored;
             classSchema = stored;
         }
-        m_loadArray.push_back({creator, typeClass});
+        m_loadArray.push_back({creator, typeClass, false});
         ++m_nMapCount;
     } else {
         const uint32_t index = t & ~kBigClassTag;
@@ -561,8 +558,7 @@ ISerObject *CArchiveB::ReadObject(const CRuntimeCreator *requested) {
     if (m_nDepth >= kMaxDepth) Throw(CArchiveBException::genericException);
     std::unique_ptr<ISerObject> object(creator->CreateObject());
     if (!object) throw CVXComError(E_OUTOFMEMORY, __FILE__, __LINE__);
-    m_loadArray.push_back({object.get(), typeObject});
-    m_loadIndex[object.get()] = m_nMapCount;
+    m_loadArray.push_back({object.get(), typeObject, true});
     ++m_nMapCount;
     NoteLoadedObject(object.get());
     {
@@ -573,8 +569,12 @@ ISerObject *CArchiveB::ReadObject(const CRuntimeCreator *requested) {
 }
 
 bool CArchiveB::IsLoadedSince(const ISerObject *object, uint32_t mark) const {
-    const auto it = m_loadIndex.find(object);
-    return it != m_loadIndex.end() && it->second >= mark;
+    for (; m_nLoadIndexed < m_loadArray.size(); ++m_nLoadIndexed) {
+        const LoadEntry &entry = m_loadArray[m_nLoadIndexed];
+        if (entry.created) m_loadIndex.Set(entry.pointer, m_nLoadIndexed);
+    }
+    const uint32_t index = object ? m_loadIndex.Find(object) : 0;
+    return index != 0 && index >= mark;
 }
 
 void CArchiveB::SerializeClass(const CRuntimeCreator *creator) {

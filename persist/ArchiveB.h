@@ -19,6 +19,7 @@
 
 #include "platform/VXExport.h"
 
+#include "persist/PointerIndex.h"
 #include "platform/File.h"
 #include "platform/VXString.h"
 
@@ -28,7 +29,6 @@
 #include <exception>
 #include <map>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace vx VX_API {
@@ -171,6 +171,7 @@ private:
     struct LoadEntry {
         const void *pointer;
         LoadArrayObjType kind;
+        bool created; // made by ReadObject, not entered by MapObject
     };
 
     template <class T>
@@ -218,9 +219,12 @@ private:
     unsigned char *m_lpBufStart = nullptr;
     uint32_t m_nMapCount = 1;
     bool m_bMapMade = false;
-    std::unordered_map<const void *, uint32_t> m_storeMap;  // storing: pointer to index
-    std::vector<LoadEntry> m_loadArray;                     // loading: index to pointer
-    std::unordered_map<const void *, uint32_t> m_loadIndex; // loading: created object to index
+    CPointerIndexMap m_storeMap;        // storing: pointer to index
+    std::vector<LoadEntry> m_loadArray; // loading: index to pointer
+    // Loading: created object to index, for IsLoadedSince. Only containers that own their
+    // elements ask, so it is brought up to date when asked rather than for every object read.
+    mutable CPointerIndexMap m_loadIndex;
+    mutable uint32_t m_nLoadIndexed = 1; // the entries of m_loadArray below it are in m_loadIndex
     std::map<const CRuntimeCreator *, unsigned int> *m_pSchemaMap = nullptr;
     unsigned int m_nGrowSize;
     unsigned int m_nHashSize = 137;
