@@ -174,6 +174,7 @@ void CArchiveB::Close() {
 void CArchiveB::Abort() {
     m_pFile = nullptr;
     m_storeMap.Clear();
+    m_pLastClass = nullptr;
     m_loadArray.clear();
     m_loadIndex.Clear();
     m_nLoadIndexed = 1;
@@ -433,18 +434,20 @@ bool CArchiveB::ReadString(CVXString &text) {
 
 // ---- objects and classes ----
 
-void CArchiveB::MapObject(const ISerObject *object) {
-    if (!m_bMapMade) {
-        m_bMapMade = true;
-        m_nMapCount = 1;
-        if (IsStoring()) {
-            // The null object is index 0 without an entry: WriteObject answers it first.
-            m_storeMap.Reserve(m_nHashSize);
-        } else {
-            m_loadArray.reserve(m_nGrowSize);
-            m_loadArray.push_back({nullptr, typeUndefined, false});
-        }
+void CArchiveB::MakeMap() {
+    m_bMapMade = true;
+    m_nMapCount = 1;
+    if (IsStoring()) {
+        // The null object is index 0 without an entry: WriteObject answers it first.
+        m_storeMap.Reserve(m_nHashSize);
+    } else {
+        m_loadArray.reserve(m_nGrowSize);
+        m_loadArray.push_back({nullptr, typeUndefined, false});
     }
+}
+
+void CArchiveB::MapObject(const ISerObject *object) {
+    EnsureMap();
     if (!object) return;
     if (IsStoring())
         m_storeMap.Set(object, m_nMapCount++);
@@ -457,8 +460,11 @@ void CArchiveB::MapObject(const ISerObject *object) {
 void CArchiveB::WriteClass(const CRuntimeCreator *creator) {
     if (!creator) Throw(CArchiveBException::badClass);
     if (IsLoading()) Throw(CArchiveBException::genericException);
-    MapObject(nullptr);
-    if (const uint32_t i = m_storeMap.Find(creator)) {
+    EnsureMap();
+    const uint32_t i = creator == m_pLastClass ? m_nLastClassIndex : m_storeMap.Find(creator);
+    m_pLastClass = creator;
+    if (i != 0) {
+        m_nLastClassIndex = i;
         if (i < kMaxShortIndex)
             *this << static_cast<uint16_t>(i | kClassTag);
         else
@@ -467,12 +473,17 @@ void CArchiveB::WriteClass(const CRuntimeCreator *creator) {
     }
     *this << kNewClassTag;
     creator->Store(*this);
+    m_nLastClassIndex = m_nMapCount;
     m_storeMap.Set(creator, m_nMapCount++);
+}
+
+void CArchiveB::ReserveObjects(uint32_t count) {
+    if (IsStoring()) m_storeMap.Reserve(m_storeMap.Size() + count);
 }
 
 void CArchiveB::WriteObject(const ISerObject *object) {
     if (IsLoading()) Throw(CArchiveBException::readOnly);
-    MapObject(nullptr);
+    EnsureMap();
     if (!object) {
         *this << kNullTag;
         return;
@@ -492,7 +503,7 @@ void CArchiveB::WriteObject(const ISerObject *object) {
 const CRuntimeCreator *CArchiveB::ReadClass(const CRuntimeCreator *, unsigned int *schema,
                                             uint32_t *tag) {
     if (IsStoring()) Throw(CArchiveBException::genericException);
-    MapObject(nullptr);
+    EnsureMap();
     uint16_t w;
     *this >> w;
     uint32_t t;

@@ -130,11 +130,7 @@ void NoteSerObjectDestroyed(const ISerObject *object) {
 
 namespace vx {
 
-void RunNestedLoad(int depth, const std::function<void()> &work) {
-    if (depth == 0 || depth % kLevelsPerStack != 0) {
-        work();
-        return;
-    }
+void RunOnNestedStack(const std::function<void()> &work) {
     SNestedWork nested{&work, t_pCollecting, nullptr};
     pthread_attr_t attr;
     pthread_attr_init(&attr);

@@ -18,6 +18,7 @@
 #include <cstddef>
 #include <functional>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace vx VX_API {
@@ -80,6 +81,16 @@ void NoteSerObjectDestroyed(const ISerObject *object);
 // that cannot be made raises CVXComError (E_OUTOFMEMORY).
 constexpr int kLevelsPerStack = 100;
 constexpr size_t kNestedStackBytes = size_t(8) << 20;
-void RunNestedLoad(int depth, const std::function<void()> &work);
+// Runs `work` on a new thread with a stack of kNestedStackBytes and waits for it.
+void RunOnNestedStack(const std::function<void()> &work);
+// Every object read passes here: at the other levels `work` runs directly, without being
+// wrapped in a std::function.
+template <class F>
+void RunNestedLoad(int depth, F &&work) {
+    if (depth == 0 || depth % kLevelsPerStack != 0)
+        work();
+    else
+        RunOnNestedStack(std::function<void()>(std::forward<F>(work)));
+}
 
 } // namespace VX_API

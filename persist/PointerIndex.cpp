@@ -35,7 +35,7 @@ void CPointerIndexMap::Clear() {
     m_pSlots.reset();
     m_nCapacity = 0;
     m_nSize = 0;
-    m_nShift = 64;
+    m_nShift = kAddressBits;
 }
 
 void CPointerIndexMap::Rehash(size_t capacity) {
@@ -43,7 +43,7 @@ void CPointerIndexMap::Rehash(size_t capacity) {
     const size_t oldCapacity = m_nCapacity;
     m_pSlots = std::make_unique<SSlot[]>(capacity); // value-initialised: every key null
     m_nCapacity = capacity;
-    m_nShift = 64u - static_cast<unsigned>(std::countr_zero(capacity));
+    m_nShift = kAddressBits - static_cast<unsigned>(std::countr_zero(capacity));
     for (size_t j = 0; j < oldCapacity; ++j) {
         if (old[j].key == nullptr) continue;
         size_t i = Slot(old[j].key);

@@ -41,14 +41,18 @@ public:
     void Clear();
 
 private:
+    static constexpr uint64_t kFibonacci = 0x9E3779B97F4A7C15ull; // 2^64 / golden ratio
+    static constexpr unsigned kAddressBits = 64;
     struct SSlot {
         const void *key;
         uint32_t index;
     };
     size_t Slot(const void *key) const {
-        // Fibonacci hashing of the address: objects sit at least 16 bytes apart, so the low
-        // bits say little and the multiplication spreads the rest over the top bits taken.
-        const uint64_t h = (reinterpret_cast<uintptr_t>(key) >> 4) * 0x9E3779B97F4A7C15ull;
+        // Fibonacci hashing: the product spreads every bit of the address over the top bits,
+        // which are taken. A hash that kept neighbouring objects in neighbouring slots was
+        // tried: it saved cache misses on runs of large objects but piled small ones (an array
+        // of 8-byte objects, or blocks that alias) into long probe runs, quadratic in time.
+        const uint64_t h = static_cast<uint64_t>(reinterpret_cast<uintptr_t>(key)) * kFibonacci;
         return static_cast<size_t>(h >> m_nShift);
     }
     void Rehash(size_t capacity);
@@ -56,7 +60,7 @@ private:
     std::unique_ptr<SSlot[]> m_pSlots;
     size_t m_nCapacity = 0; // a power of two, or 0 before the first entry
     size_t m_nSize = 0;
-    unsigned m_nShift = 64;
+    unsigned m_nShift = kAddressBits; // kAddressBits - log2(m_nCapacity)
 };
 
 } // namespace VX_API

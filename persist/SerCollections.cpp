@@ -63,6 +63,7 @@ ISerObject *Plain(ISerObject *o) {
 
 template <class Array, class Convert>
 void ArrayB(Array &a, CArchiveB &ar, Convert convert) {
+    if (ar.IsStoring()) ar.ReserveObjects(static_cast<uint32_t>(a.GetSize()));
     serial::CountedArrayB(
         a, ar, kMinObjectBytes, [&](const ISerObject *o) { ar.WriteObject(o); },
         [&] { return convert(ar.ReadObject(nullptr)); });
@@ -70,6 +71,7 @@ void ArrayB(Array &a, CArchiveB &ar, Convert convert) {
 
 template <class List, class Convert>
 void ListB(List &l, CArchiveB &ar, Convert convert) {
+    if (ar.IsStoring()) ar.ReserveObjects(static_cast<uint32_t>(l.GetCount()));
     serial::CountedListB(
         l, ar, kMinObjectBytes, [&](const ISerObject *o) { ar.WriteObject(o); },
         [&] { return convert(ar.ReadObject(nullptr)); });
@@ -112,26 +114,30 @@ void ListX(List &l, CArchiveX &ar, Convert convert) {
 } // namespace
 
 void CSerObArray::SerializeB(CArchiveB &ar) {
-    ArrayB(*this, ar, [&](ISerObject *o) { return serial::AsSerObjectB(ar, o); });
+    serial::CSerObjectRun run;
+    ArrayB(*this, ar, [&](ISerObject *o) { return run.AsSerObjectB(ar, o); });
 }
 void ISerObArray::SerializeB(CArchiveB &ar) {
     ArrayB(*this, ar, Plain);
 }
 void CSerObList::SerializeB(CArchiveB &ar) {
-    ListB(*this, ar, [&](ISerObject *o) { return serial::AsSerObjectB(ar, o); });
+    serial::CSerObjectRun run;
+    ListB(*this, ar, [&](ISerObject *o) { return run.AsSerObjectB(ar, o); });
 }
 void ISerObList::SerializeB(CArchiveB &ar) {
     ListB(*this, ar, Plain);
 }
 
 void CSerObArray::SerializeX(CArchiveX &ar) {
-    ArrayX(*this, ar, serial::AsSerObjectX);
+    serial::CSerObjectRun run;
+    ArrayX(*this, ar, [&](ISerObject *o) { return run.AsSerObjectX(o); });
 }
 void ISerObArray::SerializeX(CArchiveX &ar) {
     ArrayX(*this, ar, Plain);
 }
 void CSerObList::SerializeX(CArchiveX &ar) {
-    ListX(*this, ar, serial::AsSerObjectX);
+    serial::CSerObjectRun run;
+    ListX(*this, ar, [&](ISerObject *o) { return run.AsSerObjectX(o); });
 }
 void ISerObList::SerializeX(CArchiveX &ar) {
     ListX(*this, ar, Plain);

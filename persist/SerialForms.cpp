@@ -36,15 +36,31 @@ void SaveRunElement(CArchiveX &ar, const CVXString &name, const ISerObject *obje
 }
 
 CSerObject *AsSerObjectB(CArchiveB &ar, ISerObject *object) {
+    return CSerObjectRun().AsSerObjectB(ar, object);
+}
+
+CSerObject *AsSerObjectX(ISerObject *object) {
+    return CSerObjectRun().AsSerObjectX(object);
+}
+
+CSerObject *CSerObjectRun::Checked(ISerObject *object) {
+    const CRuntimeCreator *creator = object->RuntimeCreator();
+    if (creator && creator == m_pChecked) return static_cast<CSerObject *>(object);
+    auto *checked = dynamic_cast<CSerObject *>(object);
+    if (checked && creator) m_pChecked = creator;
+    return checked;
+}
+
+CSerObject *CSerObjectRun::AsSerObjectB(CArchiveB &ar, ISerObject *object) {
     if (!object) return nullptr;
-    if (auto *o = dynamic_cast<CSerObject *>(object)) return o;
+    if (CSerObject *o = Checked(object)) return o;
     delete object;
     throw CArchiveBException(CArchiveBException::badClass, ar.GetFileName());
 }
 
-CSerObject *AsSerObjectX(ISerObject *object) {
+CSerObject *CSerObjectRun::AsSerObjectX(ISerObject *object) {
     if (!object) return nullptr;
-    if (auto *o = dynamic_cast<CSerObject *>(object)) return o;
+    if (CSerObject *o = Checked(object)) return o;
     delete object;
     return nullptr;
 }
