@@ -6,31 +6,98 @@
 #include "persist/LoadedObjects.h"
 #include "persist/RuntimeCreator.h"
 #include "persist/SerObject.h"
+#include "platform/CodePage.h"
 #include "platform/Errors.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <exception>
 #include <memory>
+#include <string>
 
 namespace vx {
 
 namespace {
 
+constexpr int kFloatDigits = 7;
+constexpr int kDoubleDigits = 15;
+// Room for any number's text: a double's 15 digits with sign, point and exponent, an int64.
+constexpr size_t kNumberText = 32;
+// Field names are short: longer ones (or non-ASCII ones) take the general road.
+constexpr size_t kShortName = 64;
+// Up to 18 decimal digits an int64 holds whatever they are, so no overflow needs checking.
+constexpr size_t kSafeDigits = 18;
+
 // The text printf's "%.<precision>g" gives, NaN and infinities included: std::to_chars with a
 // precision formats as printf does in the C locale, without the formatting machinery, and
 // numbers are most of what an archive writes.
-CVXString GeneralText(double value, int precision) {
-    char digits[64];
-    const auto end =
-        std::to_chars(digits, digits + sizeof digits, value, std::chars_format::general, precision)
-            .ptr;
-    char16_t text[64];
-    const auto n = static_cast<size_t>(end - digits);
-    for (size_t i = 0; i < n; ++i)
-        text[i] = static_cast<char16_t>(digits[i]);
-    text[n] = u'\0';
-    return CVXString(text);
+void GeneralText(double value, int precision, char (&text)[kNumberText]) {
+    *std::to_chars(text, text + kNumberText - 1, value, std::chars_format::general, precision).ptr =
+        '\0';
+}
+
+// The decimal text of an integer, as the variant of the integer would print it.
+void IntegerText(int64_t value, char (&text)[kNumberText]) {
+    *std::to_chars(text, text + kNumberText - 1, value).ptr = '\0';
+}
+
+// A field name in UTF-8: on the stack when it is short ASCII, as every name of the library is.
+class CUtf8Name {
+public:
+    explicit CUtf8Name(std::u16string_view name) {
+        if (name.size() < kShortName &&
+            std::all_of(name.begin(), name.end(), [](char16_t c) { return c < 0x80; })) {
+            std::transform(name.begin(), name.end(), m_short,
+                           [](char16_t c) { return static_cast<char>(c); });
+            m_short[name.size()] = '\0';
+            m_text = m_short;
+        } else {
+            m_long = WideToUtf8(name.data(), name.size());
+            m_text = m_long.c_str();
+        }
+    }
+    CUtf8Name(const CUtf8Name &) = delete;
+    CUtf8Name &operator=(const CUtf8Name &) = delete;
+    const char *c_str() const { return m_text; }
+
+private:
+    char m_short[kShortName];
+    std::string m_long;
+    const char *m_text;
+};
+
+std::u16string_view View(const CVXString &s) {
+    const char16_t *p = s;
+    return p ? std::u16string_view(p, static_cast<size_t>(s.GetLength())) : std::u16string_view();
+}
+
+CVXString Named(std::u16string_view name) {
+    return CVXString(std::u16string(name).c_str());
+}
+
+// The plain decimal integers that a document written by the archive holds: an optional minus
+// and at most kSafeDigits digits. Anything else (blanks, a plus, "True", more digits) is for the
+// general conversion, which gives the same number for these.
+bool PlainInteger(const char *text, int64_t &value) {
+    const char *end = text + std::strlen(text);
+    const char *digits = text + (*text == '-');
+    if (digits == end || static_cast<size_t>(end - digits) > kSafeDigits) return false;
+    const auto r = std::from_chars(text, end, value);
+    return r.ec == std::errc() && r.ptr == end;
+}
+
+// A decimal number from_chars reads to the end: the same value strtod gives, without the copy
+// to a wide text and back. Hexadecimal, "nan", blanks and the like start otherwise and take the
+// general road.
+bool PlainDouble(const char *text, double &value) {
+    const char *end = text + std::strlen(text);
+    const char *first = text + (*text == '-');
+    if (first == end || *first < '0' || *first > '9') return false;
+    const auto r = std::from_chars(text, end, value);
+    return r.ec == std::errc() && r.ptr == end;
 }
 
 const char16_t kTypeAttr[] = u"MFC_RUNTIME_TYPE";
@@ -192,41 +259,93 @@ bool CArchiveX::AttributeExists(const CVXString &name) const {
     return !GetAttr(name).IsEmpty();
 }
 
+void CArchiveX::SetText(std::u16string_view name, const char *utf8) {
+    const CUtf8Name key(name);
+    m_current->SetAttributeUtf8(key.c_str(), utf8);
+}
+
+const char *CArchiveX::GetText(std::u16string_view name) const {
+    if (!m_current) return nullptr;
+    const CUtf8Name key(name);
+    return m_current->AttributeUtf8(key.c_str());
+}
+
+template <class T>
+void CArchiveX::SaveInteger(std::u16string_view name, T value) {
+    char text[kNumberText];
+    IntegerText(static_cast<int64_t>(value), text);
+    SetText(name, text);
+}
+
+// The variant's text of a bool.
+void CArchiveX::SaveField(std::u16string_view name, bool value) {
+    SetText(name, value ? "-1" : "0");
+}
+void CArchiveX::SaveField(std::u16string_view name, unsigned char value) {
+    SaveInteger(name, value);
+}
+void CArchiveX::SaveField(std::u16string_view name, int16_t value) {
+    SaveInteger(name, value);
+}
+void CArchiveX::SaveField(std::u16string_view name, uint16_t value) {
+    SaveInteger(name, value);
+}
+void CArchiveX::SaveField(std::u16string_view name, int32_t value) {
+    SaveInteger(name, value);
+}
+void CArchiveX::SaveField(std::u16string_view name, uint32_t value) {
+    SaveInteger(name, value);
+}
+void CArchiveX::SaveField(std::u16string_view name, char16_t value) {
+    SaveInteger(name, value);
+}
+void CArchiveX::SaveField(std::u16string_view name, int64_t value) {
+    SaveInteger(name, value);
+}
+void CArchiveX::SaveField(std::u16string_view name, float value) {
+    char text[kNumberText];
+    GeneralText(value, kFloatDigits, text);
+    SetText(name, text);
+}
+void CArchiveX::SaveField(std::u16string_view name, double value) {
+    char text[kNumberText];
+    GeneralText(value, kDoubleDigits, text);
+    SetText(name, text);
+}
+
 void CArchiveX::Save(const CVXString &name, bool value) {
-    SetAttr(name, VXVariant(value));
+    SaveField(View(name), value);
 }
 void CArchiveX::Save(const CVXString &name, unsigned char value) {
-    SetAttr(name, VXVariant(value));
+    SaveField(View(name), value);
 }
 void CArchiveX::Save(const CVXString &name, int16_t value) {
-    SetAttr(name, VXVariant(value));
+    SaveField(View(name), value);
 }
 void CArchiveX::Save(const CVXString &name, uint16_t value) {
-    SetAttr(name, VXVariant(value));
+    SaveField(View(name), value);
 }
 void CArchiveX::Save(const CVXString &name, int32_t value) {
-    SetAttr(name, VXVariant(value));
+    SaveField(View(name), value);
 }
 void CArchiveX::Save(const CVXString &name, uint32_t value) {
-    SetAttr(name, VXVariant(value));
+    SaveField(View(name), value);
 }
 void CArchiveX::Save(const CVXString &name, char16_t value) {
-    SetAttr(name, VXVariant(value));
+    SaveField(View(name), value);
 }
 void CArchiveX::Save(const CVXString &name, int64_t value) {
-    SetAttr(name, VXVariant(value));
+    SaveField(View(name), value);
 }
-
 void CArchiveX::Save(const CVXString &name, float value) {
-    SetAttr(name, VXVariant(GeneralText(value, 7)));
+    SaveField(View(name), value);
 }
-
 void CArchiveX::Save(const CVXString &name, double value) {
-    SetAttr(name, VXVariant(GeneralText(value, 15)));
+    SaveField(View(name), value);
 }
 
 void CArchiveX::Save(const CVXString &name, const CVXString &value) {
-    SetAttr(name, VXVariant(value));
+    SetText(View(name), WideToUtf8(value, static_cast<size_t>(value.GetLength())).c_str());
 }
 
 void CArchiveX::Save(const CVXString &name, const GUID &value) {
@@ -245,55 +364,94 @@ void CArchiveX::Save(const CVXString &name, const CRGB15Base &value) {
 }
 
 template <class T>
-static T Converted(const VXVariant &v, int64_t lo, int64_t hi) {
-    const int64_t n = v.ToInt64();
+void CArchiveX::LoadInteger(std::u16string_view name, T &value, int64_t lo, int64_t hi) {
+    int64_t n;
+    const char *text = GetText(name);
+    if (!text || !PlainInteger(text, n)) n = GetAttr(Named(name)).ToInt64();
     if (n < lo || n > hi) throw CVXComError(DISP_E_OVERFLOW, __FILE__, __LINE__);
-    return static_cast<T>(n);
+    value = static_cast<T>(n);
+}
+
+// What bString2Number gives for the text, or `failed` when it is no number.
+template <class T>
+void CArchiveX::LoadFloating(std::u16string_view name, T &value, T failed) {
+    double d;
+    const char *text = GetText(name);
+    if (text && PlainDouble(text, d)) {
+        value = static_cast<T>(d);
+        return;
+    }
+    T general;
+    value = bString2Number(&general, GetAttr(Named(name)).ToString()) ? general : failed;
+}
+
+void CArchiveX::LoadField(std::u16string_view name, bool &value) {
+    int64_t n;
+    const char *text = GetText(name);
+    value = text && PlainInteger(text, n) ? n != 0 : GetAttr(Named(name)).ToBool();
+}
+void CArchiveX::LoadField(std::u16string_view name, unsigned char &value) {
+    LoadInteger(name, value, 0, UINT8_MAX);
+}
+void CArchiveX::LoadField(std::u16string_view name, int16_t &value) {
+    LoadInteger(name, value, INT16_MIN, INT16_MAX);
+}
+void CArchiveX::LoadField(std::u16string_view name, uint16_t &value) {
+    LoadInteger(name, value, 0, UINT16_MAX);
+}
+void CArchiveX::LoadField(std::u16string_view name, int32_t &value) {
+    LoadInteger(name, value, INT32_MIN, INT32_MAX);
+}
+void CArchiveX::LoadField(std::u16string_view name, uint32_t &value) {
+    LoadInteger(name, value, 0, UINT32_MAX);
+}
+void CArchiveX::LoadField(std::u16string_view name, char16_t &value) {
+    LoadInteger(name, value, 0, UINT16_MAX);
+}
+void CArchiveX::LoadField(std::u16string_view name, int64_t &value) {
+    LoadInteger(name, value, INT64_MIN, INT64_MAX);
+}
+void CArchiveX::LoadField(std::u16string_view name, float &value) {
+    LoadFloating(name, value, kFloatNaN);
+}
+void CArchiveX::LoadField(std::u16string_view name, double &value) {
+    LoadFloating(name, value, dNaN);
 }
 
 void CArchiveX::Load(const CVXString &name, bool &value) {
-    value = GetAttr(name).ToBool();
+    LoadField(View(name), value);
 }
 void CArchiveX::Load(const CVXString &name, unsigned char &value) {
-    value = Converted<unsigned char>(GetAttr(name), 0, 255);
+    LoadField(View(name), value);
 }
 void CArchiveX::Load(const CVXString &name, int16_t &value) {
-    value = Converted<int16_t>(GetAttr(name), INT16_MIN, INT16_MAX);
+    LoadField(View(name), value);
 }
 void CArchiveX::Load(const CVXString &name, uint16_t &value) {
-    value = Converted<uint16_t>(GetAttr(name), 0, UINT16_MAX);
+    LoadField(View(name), value);
 }
 void CArchiveX::Load(const CVXString &name, int32_t &value) {
-    value = Converted<int32_t>(GetAttr(name), INT32_MIN, INT32_MAX);
+    LoadField(View(name), value);
 }
 void CArchiveX::Load(const CVXString &name, uint32_t &value) {
-    value = Converted<uint32_t>(GetAttr(name), 0, UINT32_MAX);
+    LoadField(View(name), value);
 }
 void CArchiveX::Load(const CVXString &name, char16_t &value) {
-    value = Converted<char16_t>(GetAttr(name), 0, UINT16_MAX);
+    LoadField(View(name), value);
 }
 void CArchiveX::Load(const CVXString &name, int64_t &value) {
-    value = GetAttr(name).ToInt64();
+    LoadField(View(name), value);
 }
-
 void CArchiveX::Load(const CVXString &name, float &value) {
-    float f;
-    if (bString2Number(&f, GetAttr(name).ToString()))
-        value = f;
-    else
-        value = kFloatNaN;
+    LoadField(View(name), value);
 }
-
 void CArchiveX::Load(const CVXString &name, double &value) {
-    double d;
-    if (bString2Number(&d, GetAttr(name).ToString()))
-        value = d;
-    else
-        value = dNaN;
+    LoadField(View(name), value);
 }
 
 void CArchiveX::Load(const CVXString &name, CVXString &value) {
-    value = GetAttr(name).ToString();
+    const char *text = GetText(View(name));
+    value = text ? CVXString(Utf8ToWide(text, std::strlen(text)).c_str()) : CVXString();
 }
 
 void CArchiveX::Load(const CVXString &name, GUID &value) {

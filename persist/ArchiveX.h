@@ -16,6 +16,8 @@
 #include "platform/VXTypes.h"
 
 #include <cstdint>
+#include <string_view>
+#include <type_traits>
 
 namespace vx VX_API {
 
@@ -27,6 +29,14 @@ class CVXODateTime;
 struct CRGB15Base {
     uint16_t m_nRGB = 0;
 };
+
+// The scalar types a field name given as a literal reaches without a CVXString being made.
+template <class T>
+inline constexpr bool kIsScalarField =
+    std::is_same_v<T, bool> || std::is_same_v<T, unsigned char> || std::is_same_v<T, int16_t> ||
+    std::is_same_v<T, uint16_t> || std::is_same_v<T, int32_t> || std::is_same_v<T, uint32_t> ||
+    std::is_same_v<T, char16_t> || std::is_same_v<T, int64_t> || std::is_same_v<T, float> ||
+    std::is_same_v<T, double>;
 
 class CArchiveX {
 public:
@@ -111,6 +121,19 @@ public:
         else
             Save(name, value);
     }
+    // The same for a name given as a literal, the usual case: a scalar goes without a
+    // CVXString being made for its name, once for every field of every object.
+    template <class T>
+    void Serialize(const char16_t *name, T &value) {
+        if constexpr (kIsScalarField<T>) {
+            if (m_bLoading)
+                LoadField(name, value);
+            else
+                SaveField(name, value);
+        } else {
+            Serialize(CVXString(name), value);
+        }
+    }
 
     static CVXString ToName(const CVXString &name, int n);
     // The object's SerializeX with its element current: a new child when saving; when loading
@@ -133,6 +156,35 @@ private:
     void MakeRoot(const char16_t *name);
     void SetAttr(const CVXString &name, const VXVariant &value);
     VXVariant GetAttr(const CVXString &name) const;
+    // The attribute's UTF-8 text: set, or read (null when missing or without a current element).
+    void SetText(std::u16string_view name, const char *utf8);
+    const char *GetText(std::u16string_view name) const;
+    template <class T>
+    void SaveInteger(std::u16string_view name, T value);
+    template <class T>
+    void LoadInteger(std::u16string_view name, T &value, int64_t lo, int64_t hi);
+    template <class T>
+    void LoadFloating(std::u16string_view name, T &value, T failed);
+    void SaveField(std::u16string_view name, bool value);
+    void SaveField(std::u16string_view name, unsigned char value);
+    void SaveField(std::u16string_view name, int16_t value);
+    void SaveField(std::u16string_view name, uint16_t value);
+    void SaveField(std::u16string_view name, int32_t value);
+    void SaveField(std::u16string_view name, uint32_t value);
+    void SaveField(std::u16string_view name, char16_t value);
+    void SaveField(std::u16string_view name, int64_t value);
+    void SaveField(std::u16string_view name, float value);
+    void SaveField(std::u16string_view name, double value);
+    void LoadField(std::u16string_view name, bool &value);
+    void LoadField(std::u16string_view name, unsigned char &value);
+    void LoadField(std::u16string_view name, int16_t &value);
+    void LoadField(std::u16string_view name, uint16_t &value);
+    void LoadField(std::u16string_view name, int32_t &value);
+    void LoadField(std::u16string_view name, uint32_t &value);
+    void LoadField(std::u16string_view name, char16_t &value);
+    void LoadField(std::u16string_view name, int64_t &value);
+    void LoadField(std::u16string_view name, float &value);
+    void LoadField(std::u16string_view name, double &value);
     void SaveDate(const CVXString &name, double oleDate);
     bool LoadDate(const CVXString &name, double &oleDate);
 

@@ -42,6 +42,14 @@ public:
     virtual void SetAttribute(const CVXString &name, const VXVariant &value) = 0;
     // The attribute as a variant: the empty variant when it is missing.
     virtual VXVariant GetAttribute(const CVXString &name) = 0;
+
+    // The same two in UTF-8 and without variants, for the archive's numbers and texts, which are
+    // most of a document. The defaults go through the two above; an implementation that holds
+    // UTF-8 text answers them directly.
+    virtual void SetAttributeUtf8(const char *name, const char *value);
+    // The attribute's text, null when it is missing; valid until the next call on this element
+    // or a change of the document.
+    virtual const char *AttributeUtf8(const char *name);
 };
 
 class IDomDocument : public IDomUnknown {

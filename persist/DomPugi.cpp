@@ -6,18 +6,19 @@
 // element is written.
 #include "persist/Dom.h"
 
+#include "platform/Bstr.h"
 #include "platform/CodePage.h"
 #include "platform/Errors.h"
 
 #include <pugixml.hpp>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <map>
 #include <mutex>
-#include <sstream>
 #include <string>
 
 namespace vx {
@@ -34,6 +35,29 @@ CVXString FromUtf8(const char *s) {
     const std::u16string w = Utf8ToWide(s, std::char_traits<char>::length(s));
     return CVXString(w.c_str());
 }
+
+// A whole document as a CVXString. Documents are mostly ASCII: such a text is widened straight
+// into the string's own buffer, without the intermediate wide copy of the general conversion.
+CVXString DocumentText(const std::string &utf8) {
+    if (!std::all_of(utf8.begin(), utf8.end(), [](char c) { return (c & 0x80) == 0; }))
+        return FromUtf8(utf8.c_str());
+    BSTR text = SysAllocStringLen(nullptr, static_cast<uint32_t>(utf8.size()));
+    CVXString owner(text, false);
+    std::transform(utf8.begin(), utf8.end(), text, [](char c) { return static_cast<char16_t>(c); });
+    return owner;
+}
+
+// Collects what pugixml prints.
+class CStringWriter : public pugi::xml_writer {
+public:
+    explicit CStringWriter(std::string &out) : m_out(out) {}
+    void write(const void *data, size_t size) override {
+        m_out.append(static_cast<const char *>(data), size);
+    }
+
+private:
+    std::string &m_out;
+};
 
 // Reference counting shared by the three classes.
 template <class Base>
@@ -62,6 +86,8 @@ public:
     IDomElement *AppendChild(IDomElement *child) override;
     void SetAttribute(const CVXString &name, const VXVariant &value) override;
     VXVariant GetAttribute(const CVXString &name) override;
+    void SetAttributeUtf8(const char *name, const char *value) override;
+    const char *AttributeUtf8(const char *name) override;
     pugi::xml_node Node() const { return m_node; }
 
 private:
@@ -111,7 +137,7 @@ public:
         const pugi::xml_node root = RootNode();
         return root ? new CPugiElement(this, root) : nullptr;
     }
-    CVXString XML() override { return FromUtf8(Text().c_str()); }
+    CVXString XML() override { return DocumentText(Text()); }
     IDomElement *CreateElement(const CVXString &name) override {
         pugi::xml_node node = Holder().append_child(ToUtf8(name).c_str());
         return new CPugiElement(this, node);
@@ -152,11 +178,11 @@ private:
         return h ? h : m_doc.append_child(kHolderName);
     }
     std::string Text() const {
-        std::ostringstream out;
-        out << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+        std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+        CStringWriter out(text);
         if (pugi::xml_node root = RootNode())
             root.print(out, "\t", pugi::format_indent, pugi::encoding_utf8);
-        return out.str();
+        return text;
     }
 
     pugi::xml_document m_doc;
@@ -187,15 +213,24 @@ IDomElement *CPugiElement::AppendChild(IDomElement *child) {
 }
 
 void CPugiElement::SetAttribute(const CVXString &name, const VXVariant &value) {
-    const std::string key = ToUtf8(name);
-    pugi::xml_attribute a = m_node.attribute(key.c_str());
-    if (!a) a = m_node.append_attribute(key.c_str());
-    a.set_value(ToUtf8(value.ToString()).c_str());
+    SetAttributeUtf8(ToUtf8(name).c_str(), ToUtf8(value.ToString()).c_str());
 }
 
 VXVariant CPugiElement::GetAttribute(const CVXString &name) {
-    const pugi::xml_attribute a = m_node.attribute(ToUtf8(name).c_str());
-    return a ? VXVariant(FromUtf8(a.value())) : VXVariant();
+    const char *text = AttributeUtf8(ToUtf8(name).c_str());
+    return text ? VXVariant(FromUtf8(text)) : VXVariant();
+}
+
+// A name set twice keeps one attribute with the last value, so the element is searched first.
+void CPugiElement::SetAttributeUtf8(const char *name, const char *value) {
+    pugi::xml_attribute a = m_node.attribute(name);
+    if (!a) a = m_node.append_attribute(name);
+    a.set_value(value);
+}
+
+const char *CPugiElement::AttributeUtf8(const char *name) {
+    const pugi::xml_attribute a = m_node.attribute(name);
+    return a ? a.value() : nullptr;
 }
 
 CPugiNodeList::CPugiNodeList(CPugiDocument *doc, pugi::xml_node parent)
@@ -242,6 +277,20 @@ std::map<std::u16string, DomFactory> &Factories() {
 }
 
 } // namespace
+
+void IDomElement::SetAttributeUtf8(const char *name, const char *value) {
+    SetAttribute(FromUtf8(name), VXVariant(FromUtf8(value)));
+}
+
+const char *IDomElement::AttributeUtf8(const char *name) {
+    // One text per thread, as the answer is valid only until the next call.
+    thread_local std::string text;
+    const VXVariant value = GetAttribute(FromUtf8(name));
+    if (value.IsEmpty()) return nullptr;
+    const CVXString s = value.ToString();
+    text = ToUtf8(s);
+    return text.c_str();
+}
 
 void ThrowNullInterface() {
     throw CVXComError(E_POINTER, __FILE__, __LINE__, CVXString(u"Interface pointer is NULL"),
