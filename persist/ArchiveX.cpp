@@ -10,6 +10,7 @@
 #include "platform/Errors.h"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -28,6 +29,7 @@ constexpr int kDoubleDigits = 15;
 constexpr size_t kNumberText = 32;
 // Field names are short: longer ones (or non-ASCII ones) take the general road.
 constexpr size_t kShortName = 64;
+constexpr uint64_t kQuietNaNBits = 0x7FF8000000000000ull;
 // Up to 18 decimal digits an int64 holds whatever they are, so no overflow needs checking.
 constexpr size_t kSafeDigits = 18;
 
@@ -93,6 +95,13 @@ bool PlainInteger(const char *text, int64_t &value) {
 // to a wide text and back. Hexadecimal, "nan", blanks and the like start otherwise and take the
 // general road.
 bool PlainDouble(const char *text, double &value) {
+    // The unknown value is saved as "-nan" (its sign bit set), a plain NaN as "nan": strtod
+    // reads them as the quiet NaN with the sign as written, and so does this.
+    if (std::strcmp(text, "nan") == 0 || std::strcmp(text, "-nan") == 0) {
+        const double nan = std::bit_cast<double>(kQuietNaNBits);
+        value = *text == '-' ? -nan : nan;
+        return true;
+    }
     const char *end = text + std::strlen(text);
     const char *first = text + (*text == '-');
     if (first == end || *first < '0' || *first > '9') return false;

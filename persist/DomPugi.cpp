@@ -28,7 +28,16 @@ namespace {
 const char kHolderName[] = "__vx_unattached";
 
 std::string ToUtf8(const CVXString &s) {
-    return WideToUtf8(static_cast<const char16_t *>(s), static_cast<size_t>(s.GetLength()));
+    const char16_t *text = s;
+    const auto n = static_cast<size_t>(s.GetLength());
+    // A document is mostly ASCII: such a text is narrowed unit by unit.
+    if (text && std::all_of(text, text + n, [](char16_t c) { return c < 0x80; })) {
+        std::string narrow(n, '\0');
+        std::transform(text, text + n, narrow.begin(),
+                       [](char16_t c) { return static_cast<char>(c); });
+        return narrow;
+    }
+    return WideToUtf8(text, n);
 }
 
 CVXString FromUtf8(const char *s) {

@@ -1,14 +1,19 @@
 // The archive's pointer map and the per-run class check of the object collections.
 #include "persist/ArchiveB.h"
+#include "persist/ArchiveX.h"
 #include "persist/LoadedObjects.h"
 #include "persist/PointerIndex.h"
 #include "persist/RuntimeCreator.h"
 #include "persist/SerCollections.h"
+#include "platform/Errors.h"
 #include "support/ArchiveTestSupport.h"
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cstdint>
+#include <cstdlib>
+#include <limits>
 #include <vector>
 
 using namespace vx;
@@ -145,4 +150,42 @@ TEST(ArchiveRuns, LoadedSinceCountsOnlyObjectsTheArchiveCreated) {
         EXPECT_FALSE(ar.IsLoadedSince(&mapped, 0));
         EXPECT_FALSE(ar.IsLoadedSince(nullptr, 0));
     });
+}
+
+TEST(ArchiveXNumbers, PlainTextAndEverythingElseLoadAsTheGeneralConversionReadsThem) {
+    CArchiveX in(true);
+    in.XML(u"<VXA n1=\"nan\" n2=\"-nan\" blank=\" 5\" hex=\"0x10\" huge=\"1e500\" negzero=\"-0\" "
+           u"tenth=\"0.1\" plus=\"+3\" word=\"True\" big=\"2147483648\" "
+           u"long=\"1234567890123456789\" min=\"-9223372036854775808\" bad=\"1x\"/>");
+    const auto bits = [](double d) { return std::bit_cast<uint64_t>(d); };
+    double d = 0;
+    in.Load(u"n1", d);
+    EXPECT_EQ(bits(d), bits(std::strtod("nan", nullptr))); // 0x7FF8000000000000
+    in.Load(u"n2", d);
+    EXPECT_EQ(bits(d), 0xFFF8000000000000ull); // the unknown value, sign bit set
+    in.Load(u"blank", d);
+    EXPECT_EQ(d, 5.0);
+    in.Load(u"hex", d);
+    EXPECT_EQ(d, 16.0);
+    in.Load(u"huge", d);
+    EXPECT_EQ(d, std::numeric_limits<double>::infinity());
+    in.Load(u"negzero", d);
+    EXPECT_EQ(bits(d), 0x8000000000000000ull);
+    in.Load(u"bad", d);
+    EXPECT_EQ(bits(d), 0xFFF8000000000000ull); // no number: the unknown value
+    float f = 0;
+    in.Load(u"tenth", f);
+    EXPECT_EQ(f, 0.1f);
+    int32_t i = 0;
+    in.Load(u"plus", i);
+    EXPECT_EQ(i, 3);
+    EXPECT_THROW(in.Load(u"big", i), CVXComError); // 2^31 does not fit
+    bool b = false;
+    in.Load(u"word", b);
+    EXPECT_TRUE(b);
+    int64_t n = 0;
+    in.Load(u"long", n); // 19 digits: past the plain form, still exact
+    EXPECT_EQ(n, 1234567890123456789);
+    in.Load(u"min", n);
+    EXPECT_EQ(n, std::numeric_limits<int64_t>::min());
 }
