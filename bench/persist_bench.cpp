@@ -202,8 +202,8 @@ int main(int argc, char **argv) {
     vxbench::CRatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     std::printf("\n");
-    reporter.PrintRatio("binary write", "BM_BinaryWrite_Archive", "BM_BinaryWrite_Raw", 4);
-    reporter.PrintRatio("binary read", "BM_BinaryRead_Archive", "BM_BinaryRead_Raw", 4);
+    reporter.PrintRatio("binary write", "BM_BinaryWrite_Archive", "BM_BinaryWrite_Raw", 3);
+    reporter.PrintRatio("binary read", "BM_BinaryRead_Archive", "BM_BinaryRead_Raw", 3);
     reporter.PrintRatio("XML save", "BM_XmlSave_Archive", "BM_XmlSave_Pugixml", 2);
     reporter.PrintRatio("XML load", "BM_XmlLoad_Archive", "BM_XmlLoad_Pugixml", 2);
     std::remove(TempPath("vx_persist_bench.bin").c_str());
