@@ -68,7 +68,7 @@ const PointsHolder &XmlPoints() {
 
 void WriteBinary(const std::string &path, const CSerObArray &points) {
     CFile file(CVXString(path.c_str()), CFile::modeCreate | CFile::modeWrite);
-    CArchiveB ar(&file, CArchiveB::store);
+    CArchiveB ar(&file, CArchiveB::store, CArchiveB::kLargeBufferSize);
     ar.WriteObject(&points);
     ar.Close();
     file.Close();
@@ -111,7 +111,7 @@ void BM_BinaryRead_Archive(benchmark::State &state) {
     WriteBinary(path, *BinaryPoints().points);
     for (auto _ : state) {
         CFile file(CVXString(path.c_str()), CFile::modeRead);
-        CArchiveB ar(&file, CArchiveB::load);
+        CArchiveB ar(&file, CArchiveB::load, CArchiveB::kLargeBufferSize);
         ISerObject *object = ar.ReadObject(nullptr);
         benchmark::DoNotOptimize(object);
         state.PauseTiming();

@@ -67,10 +67,13 @@ public:
     enum Mode : unsigned int { store = 0, load = 1, bNoFlushOnDelete = 2 };
     // The deepest nesting of objects a loaded stream may have.
     static constexpr int kMaxDepth = 2000;
-    // The buffer of an archive that is given no size. Larger than a page on purpose: each
-    // refill or flush is a call into the system, and at 4 KiB those calls took a third of the
-    // time of writing a million points; 64 KiB was the fastest of 16, 32 and 64 KiB measured.
-    static constexpr int kDefaultBufferSize = 64 * 1024;
+    // The buffer of an archive that is given no size, as the public signature has it.
+    static constexpr int kDefaultBufferSize = 4096;
+    // The buffer the library's own whole-file loads and saves use. Larger than a page on
+    // purpose: each refill or flush is a call into the system, and at 4 KiB those calls took a
+    // third of the time of writing a million points; 64 KiB was the fastest of 16, 32 and 64 KiB
+    // measured. Hosts that make their own archives may pass it too.
+    static constexpr int kLargeBufferSize = 64 * 1024;
 
     CArchiveB(CFile *file, unsigned int mode, int bufferSize = kDefaultBufferSize,
               void *buffer = nullptr);

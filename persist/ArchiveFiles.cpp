@@ -62,7 +62,7 @@ constexpr unsigned int kReadFlags = CFile::modeRead | CFile::shareDenyWrite | CF
 
 ISerObject *LoadBinary(const CVXString &path) {
     CFile file(path, kReadFlags);
-    CArchiveB ar(&file, CArchiveB::load);
+    CArchiveB ar(&file, CArchiveB::load, CArchiveB::kLargeBufferSize);
     ISerObject *root = ar.ReadObject(nullptr);
     if (!root) throw CArchiveFileError("the binary archive holds no root object", path);
     return root;
@@ -140,7 +140,7 @@ void WriteDocument(CFile &file, const ISerObject &root, ArchiveFormat format) {
         file.Write(text.data(), static_cast<unsigned int>(text.size()));
         return;
     }
-    CArchiveB ar(&file, CArchiveB::store);
+    CArchiveB ar(&file, CArchiveB::store, CArchiveB::kLargeBufferSize);
     ar.WriteObject(&root);
     ar.Close();
 }
