@@ -1,28 +1,21 @@
-// vx convert, vx report: the projections of the library from the command line.
-//
-//   vx convert --to KEYWORD [OPTIONS] [LAT LON [H]]    ETRS89 degrees -> projection x y z
-//   vx convert --from KEYWORD [OPTIONS] [X Y [Z]]      projection -> ETRS89 degrees lat lon h
-//   vx report KEYWORD [OPTIONS]                        the fixed-width parameter report
-//
-// Without coordinates on the command line, every line of standard input holds one point and
-// gives one line of output. The national grids run their whole chain (datum shift, correction
-// grid, geoid); the plain projections count ETRS89 as their datum. OPTIONS set the parameters of
-// the parametric types: --lon0 --lat0 --par1 --par2 (degrees), --k, --fe, --fn, --ellipsoid KEY.
+// vx convert, vx report: the projections of the library from the command line. The parts live
+// in convert/: the line parser, the number formatter, the keyword table, the block reader and
+// writer, and the point converter; here they are put together.
 #include "Command.h"
+#include "convert/ConvertOptions.h"
 
-#include "foundation/NumberText.h"
-#include "geodesy/Angles.h"
-#include "geodesy/OutputSystem.h"
-#include "geometry/VXCoord.h"
+#include "foundation/VXFile.h"
+#include "geodesy/Geoid.h"
+#include "platform/UserPrompt.h"
 #include "platform/VXString.h"
 
 #include <cerrno>
-#include <cmath>
-#include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <memory>
-#include <sstream>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace vxtool {
@@ -30,270 +23,180 @@ namespace vxtool {
 namespace {
 
 using namespace vx;
+using namespace convert;
 
-// A line of standard input may hold this many bytes; a longer one is an error, not a cut.
-constexpr size_t kMaxLineBytes = size_t(1) << 20;
-// At most this many bytes of the user's text are shown in a message.
-constexpr size_t kMaxShownBytes = 40;
-// The largest latitude in degrees.
-constexpr double kMaxLatitude = 90.0;
 // The exit code of output that could not be written (a full disk, a closed pipe).
 constexpr int kOutputFailed = 1;
 // The exit code of input that could not be converted.
 constexpr int kBadInput = 2;
+constexpr int kStdin = 0;
 
-// The user's text as a message shows it: printable ASCII as it is, every other byte as \xNN,
-// and no more than kMaxShownBytes of it, so that a message never carries raw bytes to the
-// terminal.
-std::string Shown(const std::string &raw) {
-    static const char hex[] = "0123456789abcdef";
-    std::string shown;
-    for (size_t i = 0; i < raw.size() && i < kMaxShownBytes; ++i) {
-        const auto c = static_cast<unsigned char>(raw[i]);
-        if (c >= 0x20 && c < 0x7F) {
-            shown += static_cast<char>(c);
-        } else {
-            shown += "\\x";
-            shown += hex[c >> 4];
-            shown += hex[c & 0xF];
-        }
+// Where the library looks for the grid files, as a user can act on it.
+std::string GridFolderText() {
+    const char *env = std::getenv("VXCOMMON_DATA");
+    const std::string dir = static_cast<const char *>(DLLPath());
+    if (env && *env) return dir + " (named by VXCOMMON_DATA)";
+    return dir + " (the library's folder; VXCOMMON_DATA names another)";
+}
+
+// The library tells of a missing grid file in its own words, once per projection object; the
+// tool adds, once, which files it looked for, where, and what the results then are.
+class CGridNotice : public IUserPrompt {
+public:
+    explicit CGridNotice(const SKeyword &keyword) : m_keyword(keyword) { SetUserPrompt(this); }
+    ~CGridNotice() override { SetUserPrompt(nullptr); }
+    CGridNotice(const CGridNotice &) = delete;
+    CGridNotice &operator=(const CGridNotice &) = delete;
+
+    int AskRetryCancel(const CVXString &text) override {
+        ShowMessage(text, IconQuestion);
+        return IDCANCEL;
     }
-    return raw.size() > kMaxShownBytes ? shown + "..." : shown;
-}
-
-bool ParseNumber(const std::string &text, double &value) {
-    // A NUL would end the text early and let "1\0junk" pass as 1.
-    if (text.find('\0') != std::string::npos) return false;
-    const CVXString s(text.c_str());
-    return bString2Number(&value, static_cast<const char16_t *>(s));
-}
-
-// Writes one line of output; false when it could not be written.
-bool PutLine(const std::string &text) {
-    return std::fwrite(text.data(), 1, text.size(), stdout) == text.size() &&
-           std::fputc('\n', stdout) != EOF;
-}
-
-int OutputFailed() {
-    Fail(std::string("cannot write the output: ") + std::strerror(errno));
-    return kOutputFailed;
-}
-
-enum class LineState { read, end, tooLong };
-
-// Reads one line of standard input without its line end; a line over kMaxLineBytes is read to
-// its end and reported as too long, so that memory stays bounded and the next line is in step.
-LineState ReadLine(std::string &line) {
-    line.clear();
-    int c = std::getc(stdin);
-    if (c == EOF) return LineState::end;
-    bool tooLong = false;
-    for (; c != EOF && c != '\n'; c = std::getc(stdin)) {
-        if (line.size() < kMaxLineBytes)
-            line.push_back(static_cast<char>(c));
-        else
-            tooLong = true;
+    void ShowMessage(const CVXString &text, int) override {
+        std::fprintf(stderr, "%s\n", static_cast<const char *>(text));
+        if (!m_keyword.grids || m_bTold) return;
+        m_bTold = true;
+        std::fprintf(stderr,
+                     "vx: looked for the grid files %s in %s; the points are converted without "
+                     "the grid correction (datum shift and projection only)\n",
+                     m_keyword.grids, GridFolderText().c_str());
     }
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    return tooLong ? LineState::tooLong : LineState::read;
-}
+    bool BreakRequested() override { return false; }
 
-std::string KnownKeywords() {
-    std::string list;
-    for (int t = PT_NONE; t <= PT_RDNAPTRANS2004; ++t) {
-        const std::unique_ptr<CEllipsoid> ell(new CEllipsoid(CEllipsoid::WGS84));
-        const std::unique_ptr<COutputSystem> p(
-            pGetNewProjection(static_cast<ProjectionType>(t), 0, 0, 0, 0, 1, 0, 0, ell.get()));
-        if (p) {
-            list += list.empty() ? "" : " ";
-            list += static_cast<const char *>(p->szGetTrav3ProjectionName());
-        }
-    }
-    return list;
-}
-
-// The options of the parametric types, in degrees where angles; NaN when not given.
-struct SOptions {
-    double lon0 = std::nan(""), lat0 = std::nan(""), par1 = std::nan(""), par2 = std::nan("");
-    double k = std::nan(""), fe = std::nan(""), fn = std::nan("");
-    std::string ellipsoid;
+private:
+    const SKeyword &m_keyword;
+    bool m_bTold = false;
 };
 
-// Takes the options out of args; returns an error text, empty on success.
-std::string TakeOptions(Args &args, SOptions &o) {
-    Args rest;
-    for (size_t i = 0; i < args.size(); ++i) {
-        const std::string &a = args[i];
-        double *target = a == "--lon0"   ? &o.lon0
-                         : a == "--lat0" ? &o.lat0
-                         : a == "--par1" ? &o.par1
-                         : a == "--par2" ? &o.par2
-                         : a == "--k"    ? &o.k
-                         : a == "--fe"   ? &o.fe
-                         : a == "--fn"   ? &o.fn
-                                         : nullptr;
-        if (target == nullptr && a != "--ellipsoid") {
-            rest.push_back(a);
-            continue;
-        }
-        if (i + 1 >= args.size()) return "option " + a + " needs a value";
-        const std::string &v = args[++i];
-        if (target == nullptr)
-            o.ellipsoid = v;
-        else if (!ParseNumber(v, *target))
-            return "not a number for " + a + ": '" + Shown(v) + "'";
+// A GTX geoid model registered under the keyword's model number for the run.
+class CGeoidRegistration {
+public:
+    CGeoidRegistration(const std::string &path, int nModel)
+        : m_model(CVXString(path.c_str())), m_nModel(nModel) {
+        if (m_model.bIsLoaded()) RegisterGeoidModel(m_nModel, &m_model);
     }
-    args.swap(rest);
+    ~CGeoidRegistration() {
+        if (m_model.bIsLoaded()) RegisterGeoidModel(m_nModel, nullptr);
+    }
+    CGeoidRegistration(const CGeoidRegistration &) = delete;
+    CGeoidRegistration &operator=(const CGeoidRegistration &) = delete;
+    bool bLoaded() const { return m_model.bIsLoaded(); }
+
+private:
+    CGtxGeoidModel m_model;
+    int m_nModel;
+};
+
+std::unique_ptr<COutputSystem> ProjectionOf(const std::string &name,
+                                            const SProjectionOptions &options,
+                                            const SKeyword *&keyword, std::string &error) {
+    keyword = FindKeyword(name);
+    if (!keyword) {
+        error = "unknown projection keyword '" + Shown(name) + "' (known: " + KnownKeywords() +
+                "; vx convert --list tells what each is)";
+        return nullptr;
+    }
+    return MakeProjection(keyword, options, error);
+}
+
+// Every file must open before any output is made.
+std::string UnreadableFile(const std::vector<std::string> &files) {
+    for (const std::string &f : files) {
+        if (f == "-") continue;
+        const int fd = ::open(f.c_str(), O_RDONLY);
+        if (fd < 0) return "cannot open " + Shown(f) + ": " + std::strerror(errno);
+        ::close(fd);
+    }
     return {};
 }
 
-double Or(double given, double fallback) {
-    return std::isnan(given) ? fallback : given;
-}
-double OrDeg(double givenDeg, double fallbackRad) {
-    return std::isnan(givenDeg) ? fallbackRad : DegToRad(givenDeg);
-}
-
-// The projection of `keyword`: its default object, with the options applied to the parameters
-// that its type takes.
-std::unique_ptr<COutputSystem> MakeProjection(const std::string &keyword, const SOptions &o,
-                                              std::string &error) {
-    ProjectionType type = PT_NONE;
-    if (!bGetProjectionType(CVXString(keyword.c_str()), type)) {
-        error =
-            "unknown projection keyword '" + Shown(keyword) + "' (known: " + KnownKeywords() + ")";
-        return nullptr;
+// Runs the files (or the standard input) through the stream; false on a read error.
+bool bRunFiles(CConvertStream &stream, const std::vector<std::string> &files,
+               const COutputBuffer &out) {
+    if (files.empty()) {
+        CLineReader reader(kStdin);
+        return stream.bRun(reader, "");
     }
-    std::unique_ptr<CEllipsoid> ell;
-    if (!o.ellipsoid.empty()) {
-        ell.reset(pGetNewEllipsoid(CVXString(o.ellipsoid.c_str()), 0.0, 0.0));
-        if (!ell) {
-            error = "unknown ellipsoid keyword '" + Shown(o.ellipsoid) + "'";
-            return nullptr;
-        }
-    }
-    // The defaults: the type's default object (an ellipsoid is needed to make it).
-    const CEllipsoid wgs(CEllipsoid::WGS84);
-    std::unique_ptr<COutputSystem> d(pGetNewProjection(type, 0, 0, 0, 0, 1, 0, 0, &wgs));
-    if (!d) {
-        error = "cannot make projection '" + keyword + "'";
-        return nullptr;
-    }
-    const std::unique_ptr<CEllipsoid> defEll(d->pGetNewEllipsoid());
-    const bool bParametric = bProjectionNeedsEllipsoid(type);
-    const double k = d->dGetProjScaleFac();
-    std::unique_ptr<COutputSystem> p(
-        pGetNewProjection(type, OrDeg(o.lon0, d->dGetLonOriginCM()),
-                          OrDeg(o.lat0, d->dGetLatOrigin()), OrDeg(o.par1, d->dGetStandPar1()),
-                          OrDeg(o.par2, d->dGetStandPar2()), Or(o.k, k == -2.0 ? 1.0 : k),
-                          Or(o.fe, d->dGetFalseEasting()), Or(o.fn, d->dGetFalseNorthing()),
-                          bParametric ? (ell ? ell.get() : defEll.get()) : nullptr));
-    return p;
-}
-
-// One point through the projection; false with an error for unparsable input.
-bool ConvertOne(COutputSystem &p, bool bForward, const Args &nums, std::string &out,
-                std::string &error) {
-    if (nums.size() < 2 || nums.size() > 3) {
-        error = "expected 2 or 3 numbers, got " + std::to_string(nums.size());
-        return false;
-    }
-    double v[3] = {0.0, 0.0, 0.0};
-    for (size_t i = 0; i < nums.size(); ++i) {
-        if (!ParseNumber(nums[i], v[i])) {
-            error = "not a number: '" + Shown(nums[i]) + "'";
+    for (const std::string &f : files) {
+        const bool bStdin = f == "-";
+        const int fd = bStdin ? kStdin : ::open(f.c_str(), O_RDONLY);
+        if (fd < 0) {
+            Fail("cannot open " + Shown(f) + ": " + std::strerror(errno));
             return false;
         }
-        // The parser takes "nan" and "inf"; no coordinate is either.
-        if (!std::isfinite(v[i])) {
-            error = "not a finite number: '" + Shown(nums[i]) + "'";
-            return false;
-        }
+        CLineReader reader(fd);
+        const bool bOk = stream.bRun(reader, bStdin ? "" : f);
+        if (!bStdin) ::close(fd);
+        if (!bOk) return false;
+        if (out.bFailed()) break;
     }
-    if (bForward && std::fabs(v[0]) > kMaxLatitude) {
-        error = "latitude beyond 90 degrees: '" + Shown(nums[0]) + "'";
-        return false;
-    }
-    double r[3];
-    if (bForward) {
-        CVXCoord xy;
-        p.ETRS2LOCAL(xy, CEllCoord(DegToRad(v[0]), DegToRad(v[1]), v[2]));
-        r[0] = xy.dGetX();
-        r[1] = xy.dGetY();
-        r[2] = xy.dGetZ();
-    } else {
-        CEllCoord ell;
-        p.LOCAL2ETRS(ell, CVXCoord(v[0], v[1], v[2], 1));
-        r[0] = RadToDeg(ell.dGetLat());
-        r[1] = RadToDeg(ell.dGetLon());
-        r[2] = ell.dGetHgt();
-        if (r[1] > 180.0) r[1] -= 360.0;
-    }
-    if (!std::isfinite(r[0]) || !std::isfinite(r[1]) || !std::isfinite(r[2])) {
-        error = "the point has no finite result in this projection";
-        return false;
-    }
-    char buf[160];
-    std::snprintf(buf, sizeof buf, bForward ? "%.4f %.4f %.4f" : "%.9f %.9f %.4f", r[0], r[1],
-                  r[2]);
-    out = buf;
     return true;
 }
 
-int RunConvert(const Args &argsIn) {
-    Args args(argsIn);
-    SOptions o;
-    const std::string optError = TakeOptions(args, o);
-    if (!optError.empty()) return Fail(optError);
-    if (args.size() < 2 || (args[0] != "--to" && args[0] != "--from"))
-        return Fail("usage: vx convert --to|--from KEYWORD [OPTIONS] [A B [C]]");
-    const bool bForward = args[0] == "--to";
-    std::string error;
-    const std::unique_ptr<COutputSystem> p = MakeProjection(args[1], o, error);
-    if (!p) return Fail(error);
-    const Args nums(args.begin() + 2, args.end());
-    std::string out;
-    if (!nums.empty()) {
-        if (!ConvertOne(*p, bForward, nums, out, error)) return Fail(error);
-        if (!PutLine(out) || std::fflush(stdout) != 0) return OutputFailed();
-        return 0;
-    }
-    std::string line;
-    int lineNo = 0;
-    int rc = 0;
-    for (LineState state; (state = ReadLine(line)) != LineState::end;) {
-        ++lineNo;
-        bool ok = false;
-        if (state == LineState::tooLong) {
-            error = "line longer than " + std::to_string(kMaxLineBytes) + " bytes";
-        } else if (line.find('\0') != std::string::npos) {
-            error = "line holds a NUL byte";
-        } else {
-            std::istringstream in(line);
-            Args words;
-            for (std::string w; in >> w;)
-                words.push_back(w);
-            ok = ConvertOne(*p, bForward, words, out, error);
-        }
-        // One line out per line in: a bad line gives an empty line and an error.
-        if (!PutLine(ok ? out : std::string())) return OutputFailed();
-        if (!ok) {
-            Fail("line " + std::to_string(lineNo) + ": " + error);
-            rc = kBadInput;
-        }
-    }
-    if (std::fflush(stdout) != 0 || std::ferror(stdout)) return OutputFailed();
-    return rc;
+void NoteHeights(const SKeyword &keyword, const std::string &name) {
+    if (keyword.kind == KeywordKind::plain)
+        Fail("note: heights pass through unchanged: " + name +
+             " is a plain projection and converts positions only");
+    else
+        Fail("note: heights pass through unchanged: no geoid model (--geoid FILE.gtx converts "
+             "between ellipsoidal and national heights)");
 }
 
-int RunReport(const Args &argsIn) {
-    Args args(argsIn);
-    SOptions o;
-    const std::string optError = TakeOptions(args, o);
-    if (!optError.empty()) return Fail(optError);
-    if (args.size() != 1) return Fail("usage: vx report KEYWORD [OPTIONS]");
+int Convert(const SConvertRequest &r) {
     std::string error;
-    const std::unique_ptr<COutputSystem> p = MakeProjection(args[0], o, error);
+    const SKeyword *keyword = nullptr;
+    const std::unique_ptr<COutputSystem> p = ProjectionOf(r.keyword, r.projection, keyword, error);
+    if (!p) return Fail(error);
+    std::unique_ptr<CGeoidRegistration> geoid;
+    if (r.projection.given & kOptGeoid) {
+        geoid = std::make_unique<CGeoidRegistration>(r.projection.geoid, keyword->nGeoidModel);
+        if (!geoid->bLoaded())
+            return Fail("cannot load the geoid model '" + Shown(r.projection.geoid) +
+                        "' (a GTX grid file)");
+    }
+    error = UnreadableFile(r.files);
+    if (!error.empty()) return Fail(error);
+    const CGridNotice notice(*keyword);
+    CPointConverter converter(*p, *keyword, r.bForward, geoid != nullptr);
+    COutputBuffer out(stdout);
+    CConvertStream stream(converter, *keyword, r.stream, out);
+    bool bRead = true;
+    if (!r.pointLine.empty())
+        stream.ProcessBlock({SInputLine{r.pointLine, false}});
+    else
+        bRead = bRunFiles(stream, r.files, out);
+    if (!out.bFinish()) {
+        Fail(std::string("cannot write the output: ") + std::strerror(out.nError()));
+        return kOutputFailed;
+    }
+    if (stream.Stats().bHeightSeen && !geoid)
+        NoteHeights(*keyword, static_cast<const char *>(p->szGetTrav3ProjectionName()));
+    return bRead && stream.Stats().nBadLines == 0 ? 0 : kBadInput;
+}
+
+int RunConvert(const Args &args) {
+    SConvertRequest request;
+    std::string error;
+    if (!ParseConvertArgs(args, request, error)) return Fail(error);
+    if (!request.bList) return Convert(request);
+    PrintKeywordList(stdout);
+    if (std::fflush(stdout) != 0 || std::ferror(stdout)) {
+        Fail(std::string("cannot write the output: ") + std::strerror(errno));
+        return kOutputFailed;
+    }
+    return 0;
+}
+
+int RunReport(const Args &args) {
+    SProjectionOptions options;
+    std::string error;
+    std::vector<std::string> rest;
+    for (std::size_t i = 0; i < args.size() && error.empty(); ++i)
+        if (!bTakeProjectionOption(args, i, options, error)) rest.push_back(args[i]);
+    if (!error.empty()) return Fail(error);
+    if (rest.size() != 1) return Fail("usage: vx report KEYWORD [OPTIONS]");
+    const SKeyword *keyword = nullptr;
+    const std::unique_ptr<COutputSystem> p = ProjectionOf(rest[0], options, keyword, error);
     if (!p) return Fail(error);
     for (const CVXString &line :
          {p->szGetTRAV3Projection(), p->szGetTRAV3LonOriginCM(), p->szGetTRAV3LatOrigin(),
@@ -304,12 +207,55 @@ int RunReport(const Args &argsIn) {
     return 0;
 }
 
+const char kConvertDescription[] =
+    "Each KEYWORD means one thing in both directions. A plain projection (RD, LAMBERT72, "
+    "UTM_NORTH, TM, SWISS, ...) converts between geographic coordinates on its own ellipsoid "
+    "and its plane, and nothing else. A national grid (RDNAPTRANS2008, RDNAPTRANS2004, "
+    "RDNAPTRANS, LAMBERT72CORR, LAMBERT2008) converts between ETRS89 and the grid: datum "
+    "shift, projection and correction grid. --to goes from geographic to the plane, --from "
+    "back. 'vx convert --list' prints every keyword with its sides, datum shift, grid files, "
+    "geoid model and options.\n"
+    "\n"
+    "Input comes from the FILEs, or the standard input (also '-'), or the coordinates given as "
+    "arguments. A line holds latitude and longitude (--to; decimal degrees or degrees, minutes "
+    "and seconds such as 52d09'18.6\"N) or x and y in metres (--from), then optionally a "
+    "height. When the first field is no number it is a point identifier and the coordinates "
+    "follow. Other fields pass through as they are; blank lines and lines starting with # are "
+    "copied. A bad value (not a number, NaN, infinity, latitude beyond 90 degrees) gives an "
+    "empty output line, a message with its line number, and exit code 2 at the end.\n"
+    "\n"
+    "Heights: without a geoid model a height passes through unchanged, and the tool says so "
+    "once. With --geoid a national grid's height is H = h - N going in and h = H + N coming "
+    "back.\n"
+    "\n"
+    "  --to KEYWORD       geographic to the plane\n"
+    "  --from KEYWORD     the plane to geographic\n"
+    "  --list             the keyword table\n"
+    "  --zone N           UTM zone 1 to 60 (sets the central meridian); --south for the south\n"
+    "  --lon0 --lat0 D    origin in degrees; --par1 --par2 D standard parallels\n"
+    "  --k K              scale factor; --fe E --fn N false easting and northing in metres\n"
+    "  --ellipsoid KEY    ellipsoid of a plain parametric projection (GRS_1980, WGS84, ...)\n"
+    "  --geoid FILE.gtx   GTX geoid model for the heights of a national grid\n"
+    "  --columns A,B[,C]  the fields of the two coordinates and the height, counted from 1\n"
+    "  --delimiter C      fields separated by C (such as , for CSV; 'tab'), not by blanks\n"
+    "  --precision N      decimals of metres (default 4); degrees get N + 5\n"
+    "\n"
+    "Options start from the projection's own defaults, and an option that the keyword does "
+    "not use is an error. The national grids read the correction grid files from the folder "
+    "in VXCOMMON_DATA (else the library's folder); without them the tool says which files it "
+    "looked for, where, and converts without the grid correction.\n"
+    "\n"
+    "Examples:\n"
+    "  vx convert --to RDNAPTRANS2008 52.1551744 5.3872036 43.27\n"
+    "  vx convert --from RDNAPTRANS2008 points_rd.txt > points_etrs.txt\n"
+    "  vx convert --to UTM_NORTH --zone 31 --ellipsoid GRS_1980 --delimiter , survey.csv\n"
+    "  vx convert --to SWISS 46d57'08.66\"N 7d26'22.50\"E";
+
 const VxCommand convertCommand(
     "convert",
-    "convert --to|--from KEYWORD [--lon0 D --lat0 D --par1 D --par2 D --k K --fe E --fn N "
-    "--ellipsoid KEY] [LAT LON [H] | X Y [Z]]   ETRS89 degrees <-> projection (stdin when no "
-    "numbers)",
-    RunConvert);
+    "convert --to|--from KEYWORD [OPTIONS] [FILE... | COORDINATES] | convert --list   "
+    "coordinates through a projection or national grid, line by line",
+    RunConvert, kConvertDescription);
 const VxCommand reportCommand("report",
                               "report KEYWORD [OPTIONS]   the projection's parameter report",
                               RunReport);
