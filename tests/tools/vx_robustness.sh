@@ -32,7 +32,7 @@ contains "convert to /dev/full" "$DIR/err" "cannot write the output"
 seq 1 200000 | sed 's/.*/52 5/' | "$VX" convert --to RD >/dev/full 2>"$DIR/err"
 expect "200000 lines to /dev/full" 1 $?
 
-printf '52 5\nnan 5\n91 5\n1 inf\n52 5 \001\377\n52 5\0007\n' |
+printf '52 5\nnan 5\n91 5\n1 inf\n52 \001\377\n52 5\0007\n' |
     "$VX" convert --to RD >"$DIR/out" 2>"$DIR/err"
 expect "bad input lines" 2 $?
 [ "$(wc -l <"$DIR/out")" -eq 6 ] || { echo "FAIL: not one output line per input line"; failures=$((failures + 1)); }

@@ -96,8 +96,8 @@ bool ParseDms(std::string_view body, double &degrees, std::string &error) {
     }
     if (!TakeDegreeMark(body)) return false;
     if (!body.empty()) {
-        if (!bWhole(d) || !TakeUnsigned(body, m) || !TakeAny(body, "'m")) return false;
-        if (!body.empty() && (!bWhole(m) || !TakeUnsigned(body, s) || !TakeAny(body, "\"s")))
+        if (!bWhole(d) || !TakeUnsigned(body, m) || !TakeAny(body, "'")) return false;
+        if (!body.empty() && (!bWhole(m) || !TakeUnsigned(body, s) || !TakeAny(body, "\"")))
             return false;
     }
     if (!body.empty()) return false;
