@@ -43,6 +43,15 @@ for src in "$root"/bench/*.cpp; do
     } >>"$summary"
 done
 
+# The vx tool against cs2cs on a million points, when both are there.
+echo "== convert_vs_cs2cs" >&2
+if conv=$("$root/bench/convert_vs_cs2cs.sh" "$build/tools/vx/vx" 2>&1); then
+    printf '%s\n' "$conv" >&2
+    printf 'convert_vs_cs2cs\n%s\n\n' "$(printf '%s\n' "$conv" | sed 's/^/  /')" >>"$summary"
+else
+    printf 'convert_vs_cs2cs: not run (%s)\n\n' "$conv" >>"$summary"
+fi
+
 echo
 echo "Summary ($(nproc) cores, $(uname -m); ratios above 1 mean ours is faster unless a line says otherwise)"
 echo

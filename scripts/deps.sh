@@ -2,6 +2,7 @@
 # Installs the Debian packages the build, the tests and the tool need, when any is missing;
 # `deps.sh fuzz` adds what the fuzz targets need.
 set -euo pipefail
+# proj-bin brings cs2cs, the peer of bench/convert_vs_cs2cs.sh.
 packages=(cmake ninja-build g++ pkg-config libpugixml-dev libgtest-dev libgmock-dev
           libbenchmark-dev libproj-dev proj-bin proj-data libgeos-dev)
 # The fuzz targets need clang and its libFuzzer runtime.
