@@ -228,7 +228,7 @@ std::unique_ptr<COutputSystem> MakeProjection(const SKeyword *&keyword, const SP
 }
 
 void PrintKeywordList(std::FILE *out) {
-    std::fprintf(out, "%-15s %-26s %-34s %-6s %-32s %-5s %s\n", "KEYWORD", "GEOGRAPHIC SIDE",
+    std::fprintf(out, "%-15s %-29s %-34s %-6s %-32s %-5s %s\n", "KEYWORD", "GEOGRAPHIC SIDE",
                  "PLANE SIDE", "SHIFT", "GRID FILES", "GEOID", "OPTIONS");
     for (const SKeyword &k : kKeywords) {
         const std::unique_ptr<COutputSystem> d = DefaultObject(k.type);
@@ -237,7 +237,7 @@ void PrintKeywordList(std::FILE *out) {
             k.kind == KeywordKind::datum ? "ETRS89 lat lon h" : "lat lon h on " + ell;
         const std::string geoid = k.nGeoidModel ? std::to_string(k.nGeoidModel) : "-";
         const std::string options = k.options ? OptionNames(k.options) : "-";
-        std::fprintf(out, "%-15s %-26s %-34s %-6s %-32s %-5s %s\n", KeywordText(k.type).c_str(),
+        std::fprintf(out, "%-15s %-29s %-34s %-6s %-32s %-5s %s\n", KeywordText(k.type).c_str(),
                      geographic.c_str(), k.plane, k.shift ? k.shift : "-", k.grids ? k.grids : "-",
                      geoid.c_str(), options.c_str());
     }
