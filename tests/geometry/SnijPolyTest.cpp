@@ -162,3 +162,42 @@ TEST(SnijPoly, ALineCrossingAPolygonGivesOpenPiecesPerSide) {
     EXPECT_EQ(Stukken(binnen2), (std::vector<XYLijst>{{{5, 5}, {10, 5}}, {{10, 8}, {8, 8}}}));
     EXPECT_EQ(Stukken(buiten2), (std::vector<XYLijst>{{{10, 5}, {15, 5}, {15, 8}, {10, 8}}}));
 }
+
+TEST(SnijPoly, EveryPieceKeepsAValidSectionCodingWithArcsAndSplines) {
+    // A: a spline bottom (a run of four 6s), a straight right side, an arc over the top and a
+    // straight left side. Each B crosses it at different places, as a polygon and as a line.
+    const CVXCoordArr A = Lijn({{0, 0, 1},
+                                {5, -2, 6},
+                                {10, 1, 6},
+                                {15, -1, 6},
+                                {20, 0, 6},
+                                {20, 10, 0},
+                                {10, 20, 8},
+                                {0, 10, 8},
+                                {0, 0, 0}});
+    const std::vector<CVXCoordArr> bs = {Vierkant(8, -5, 12, 25), Vierkant(-5, 5, 25, 15),
+                                         Vierkant(12, -5, 30, 30), Vierkant(-3, 12, 3, 30),
+                                         Lijn({{5, -5, 1}, {15, 25, 0}, {25, -5, 0}, {5, -5, 0}})};
+    int nSpline = 0, nBoog = 0, nStukken = 0;
+    for (const CVXCoordArr &B : bs) {
+        for (const bool bPolygoon : {true, false}) {
+            CVXCoordArrList binnen, buiten;
+            ASSERT_TRUE(A.bSnijPoly(binnen, buiten, B, beide, bPolygoon));
+            for (const CVXCoordArrList *l : {&binnen, &buiten}) {
+                for (vx::POSITION pos = l->GetHeadPosition(); pos != nullptr;) {
+                    const CVXCoordArr &stuk = *l->GetNext(pos);
+                    ++nStukken;
+                    EXPECT_EQ(stuk.nSectieOnlyTest2(), -1);
+                    EXPECT_TRUE(stuk.bGesloten() || !bPolygoon);
+                    const std::vector<int> codes = vxtest::Codes(stuk);
+                    nSpline += std::count(codes.begin(), codes.end(), vx::nSectieSpline) > 0;
+                    nBoog += std::count(codes.begin(), codes.end(), vx::nSectieBoog) > 0;
+                }
+            }
+        }
+    }
+    // Pieces were cut, and curves came through as curves in some of them.
+    EXPECT_GT(nStukken, 20);
+    EXPECT_GT(nSpline, 0);
+    EXPECT_GT(nBoog, 0);
+}
