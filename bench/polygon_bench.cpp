@@ -1,8 +1,10 @@
 // Polygon operations against GEOS in the same run: containment of points in a polygon of 10,000
 // straight vertices (our winding sum against GEOS's plain contains, no prepared geometry), and
 // the clip list of two 1,000-vertex polygons (with and without skipping stretch pairs by their
-// boxes) against GEOS's intersection of the two boundaries. At the end the time ratios are
-// printed, ours over GEOS (wall clock, then CPU): below 1 means ours is faster.
+// boxes) against GEOS's intersection of the two boundaries, and the whole clip of those two
+// polygons (bSnijPoly with the inside and the outside) against GEOS's intersection plus
+// difference. At the end the time ratios are printed, ours over GEOS (wall clock, then CPU):
+// below 1 means ours is faster.
 #include "geometry/ClipList.h"
 #include "geometry/GeosPeer.h"
 #include "geometry/PuntInPoly.h"
@@ -53,13 +55,15 @@ struct Clip {
     CVXCoordArr A, B;
     vxtest::GeosGeom rA{nullptr, vxtest::GeosDeleter{nullptr}};
     vxtest::GeosGeom rB{nullptr, vxtest::GeosDeleter{nullptr}};
+    vxtest::GeosGeom gA{nullptr, vxtest::GeosDeleter{nullptr}};
+    vxtest::GeosGeom gB{nullptr, vxtest::GeosDeleter{nullptr}};
 
     Clip() {
         std::mt19937 rng(nSeed + 1);
         A = vxtest::SterVeelhoek(rng, nClipPunten, 0.0, 0.0, 500.0, 1000.0);
         B = vxtest::SterVeelhoek(rng, nClipPunten, 300.0, 200.0, 500.0, 1000.0);
-        const vxtest::GeosGeom gA = vxtest::GeosPolygoon(geos, A);
-        const vxtest::GeosGeom gB = vxtest::GeosPolygoon(geos, B);
+        gA = vxtest::GeosPolygoon(geos, A);
+        gB = vxtest::GeosPolygoon(geos, B);
         rA = vxtest::GeosRand(geos, gA.get());
         rB = vxtest::GeosRand(geos, gB.get());
     }
@@ -107,10 +111,36 @@ void Geos_VerzamelClipLijst(benchmark::State &state) {
     state.SetItemsProcessed(state.iterations());
 }
 
+void Ours_SnijPoly(benchmark::State &state) {
+    const Clip &c = GetClip();
+    for (auto _ : state) {
+        CVXCoordArrList binnen, buiten;
+        benchmark::DoNotOptimize(
+            c.A.bSnijPoly(binnen, buiten, c.B, ClipField(true, true, false), true));
+        benchmark::DoNotOptimize(binnen.GetCount() + buiten.GetCount());
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+
+void Geos_SnijPoly(benchmark::State &state) {
+    const Clip &c = GetClip();
+    for (auto _ : state) {
+        const vxtest::GeosGeom d(GEOSIntersection_r(c.geos.Get(), c.gA.get(), c.gB.get()),
+                                 vxtest::GeosDeleter{c.geos.Get()});
+        const vxtest::GeosGeom v(GEOSDifference_r(c.geos.Get(), c.gA.get(), c.gB.get()),
+                                 vxtest::GeosDeleter{c.geos.Get()});
+        benchmark::DoNotOptimize(d.get());
+        benchmark::DoNotOptimize(v.get());
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+
 BENCHMARK(Ours_PuntInPolygoon)->Unit(benchmark::kMicrosecond);
 BENCHMARK(Geos_PuntInPolygoon)->Unit(benchmark::kMicrosecond);
 BENCHMARK(Ours_VerzamelClipLijst)->Arg(1)->Arg(0)->Unit(benchmark::kMillisecond);
 BENCHMARK(Geos_VerzamelClipLijst)->Unit(benchmark::kMillisecond);
+BENCHMARK(Ours_SnijPoly)->Unit(benchmark::kMillisecond);
+BENCHMARK(Geos_SnijPoly)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
@@ -127,5 +157,7 @@ int main(int argc, char **argv) {
                    "Geos_VerzamelClipLijst");
     rep.PrintRatio("VerzamelClipLijst, every pair", "Ours_VerzamelClipLijst/0",
                    "Geos_VerzamelClipLijst");
+    rep.PrintRatio("bSnijPoly inside + outside, 1,000 vertices", "Ours_SnijPoly", "Geos_SnijPoly",
+                   3.0);
     return 0;
 }

@@ -5,7 +5,10 @@
 #include "platform/Assert.h"
 #include "platform/Errors.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <vector>
 
 namespace vx {
 
@@ -271,37 +274,57 @@ CClipsnijpunt *CClipsnijpuntList::GetNext(POSITION &pos) const {
     return static_cast<CClipsnijpunt *>(CObList::GetNext(pos));
 }
 
-void CClipsnijpuntList::Sort() {
-    CClipsnijpunt sentinel;
-    m_pLast[nModeA] = m_pLast[nModeB] = &sentinel;
-    for (bool bGekoppeld = true; bGekoppeld;) {
-        bGekoppeld = false;
-        for (short s = nModeA; s <= nModeB; ++s) {
-            CClipsnijpunt *pBeste = nullptr;
-            for (POSITION pos = GetHeadPosition(); pos != nullptr;) {
-                CClipsnijpunt *p = GetNext(pos);
-                if (p->pGetPrev(s) != nullptr) continue;
-                // Unlinked points have no next link: a plain strict comparison, so of two equal
-                // places the one found first in the body wins.
-                if (pBeste == nullptr || p->bSmaller(*pBeste, s)) pBeste = p;
-            }
-            if (pBeste == nullptr) continue;
-            m_pLast[s]->SetNext(pBeste, s);
-            pBeste->SetPrev(m_pLast[s], s);
-            m_pLast[s] = pBeste;
-            bGekoppeld = true;
-        }
+// The order of chain s, the same as a selection that repeatedly takes, among the points not yet
+// linked, the first in the body unless a later one is strictly smaller. Across stretches the
+// comparison is exact, so the selection always lands in the bucket of the lowest stretch index,
+// and there it is the running minimum (with the tolerance) over that bucket in body order. So
+// the points are bucketed by stretch (a stable sort keeps body order) and the selection runs per
+// bucket: the same order as a selection over the whole list, without its quadratic cost.
+std::vector<CClipsnijpunt *> CClipsnijpuntList::KetenVolgorde(short s) const {
+    std::vector<CClipsnijpunt *> punten;
+    for (POSITION pos = GetHeadPosition(); pos != nullptr;) {
+        CClipsnijpunt *p = GetNext(pos);
+        if (p->pGetPrev(s) == nullptr) punten.push_back(p); // a fresh list: none is linked yet
     }
+    std::stable_sort(punten.begin(), punten.end(),
+                     [s](const CClipsnijpunt *a, const CClipsnijpunt *b) {
+                         return a->nGetIndex(s) < b->nGetIndex(s);
+                     });
+    std::vector<CClipsnijpunt *> keten;
+    keten.reserve(punten.size());
+    for (size_t begin = 0; begin < punten.size();) {
+        size_t eind = begin;
+        while (eind < punten.size() && punten[eind]->nGetIndex(s) == punten[begin]->nGetIndex(s))
+            ++eind;
+        std::vector<CClipsnijpunt *> bak(punten.begin() + static_cast<std::ptrdiff_t>(begin),
+                                         punten.begin() + static_cast<std::ptrdiff_t>(eind));
+        while (!bak.empty()) {
+            size_t nBeste = 0;
+            // Unlinked points have no next link: a plain strict comparison, so of two equal
+            // places the one found first in the body wins.
+            for (size_t k = 1; k < bak.size(); ++k)
+                if (bak[k]->bSmaller(*bak[nBeste], s)) nBeste = k;
+            keten.push_back(bak[nBeste]);
+            bak.erase(bak.begin() + static_cast<std::ptrdiff_t>(nBeste));
+        }
+        begin = eind;
+    }
+    return keten;
+}
+
+void CClipsnijpuntList::Sort() {
     for (short s = nModeA; s <= nModeB; ++s) {
-        m_pHead[s] = sentinel.pGetNext(s);
-        if (m_pHead[s] != nullptr)
-            m_pHead[s]->SetPrev(nullptr, s);
-        else
-            m_pLast[s] = nullptr;
+        const std::vector<CClipsnijpunt *> keten = KetenVolgorde(s);
+        m_pHead[s] = keten.empty() ? nullptr : keten.front();
+        m_pLast[s] = keten.empty() ? nullptr : keten.back();
+        for (size_t k = 1; k < keten.size(); ++k) {
+            keten[k - 1]->SetNext(keten[k], s);
+            keten[k]->SetPrev(keten[k - 1], s);
+        }
     }
     if (GetCount() < 2) return; // a single point forms no ring
     for (short s = nModeA; s <= nModeB; ++s) {
-        if (!m_bPolyA[s]) continue;
+        if (!m_bPolyA[s] || m_pHead[s] == nullptr) continue;
         m_pHead[s]->SetPrev(m_pLast[s], s);
         m_pLast[s]->SetNext(m_pHead[s], s);
     }

@@ -21,6 +21,7 @@
 #include "platform/Lists.h"
 
 #include <cstdint>
+#include <vector>
 
 namespace vx VX_API {
 
@@ -160,6 +161,10 @@ public:
     void Verwijder(CClipsnijpunt *pVan, CClipsnijpunt *pTot);
     CClipsnijpunt *pGetWorkHead(short s) const { return m_pHead[s]; }
     CClipsnijpunt *pGetWorkTail(short s) const { return m_pLast[s]; }
+
+private:
+    // The points in the order of chain s, as Sort links them.
+    std::vector<CClipsnijpunt *> KetenVolgorde(short s) const;
 };
 
 // A second view of a clip list, sorted by the place in one mode, used to insert the points in a
