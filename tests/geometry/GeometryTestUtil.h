@@ -20,6 +20,10 @@ public:
     static bool SnijRechten(const CVXCoordArr &arr, const CVXCoordArr &Punten, int nI, int nJ) {
         return arr.SnijRechten(Punten, nI, nJ);
     }
+    // Hands a heap ring to CreeerSubLoops, which gives it to Lijst.
+    static void CreeerSubLoops(CVXCoordArr *pRing, CVXCoordArrList &Lijst) {
+        pRing->CreeerSubLoops(Lijst);
+    }
     static bool VoldoetBoogDeel(const CVXCoordArr &arr, int nVan, int nTot, double dAfstandTol,
                                 double dLengteTol, double dMaxR) {
         return arr.VoldoetBoogDeel(nVan, nTot, dAfstandTol, dLengteTol, dMaxR);

@@ -201,3 +201,21 @@ TEST(SnijPoly, EveryPieceKeepsAValidSectionCodingWithArcsAndSplines) {
     EXPECT_GT(nSpline, 0);
     EXPECT_GT(nBoog, 0);
 }
+
+TEST(SnijPoly, ARingThroughAPointTwiceIsSplitIntoItsLoops) {
+    // The ring passes (10,10) at index 2 and 5: the loop 2..5 is cut out first, then the rest
+    // (points 3, 4, 5 removed) follows. Ends take no part in the search.
+    auto *pRing = new CVXCoordArr(Lijn({{0, 0, 1},
+                                        {10, 0, 0},
+                                        {10, 10, 0},
+                                        {20, 10, 0},
+                                        {20, 20, 0},
+                                        {10, 10, 0},
+                                        {0, 10, 0},
+                                        {0, 0, 0}}));
+    CVXCoordArrList lijst;
+    vx::CVXCoordArrTestToegang::CreeerSubLoops(pRing, lijst);
+    EXPECT_EQ(Stukken(lijst), (std::vector<XYLijst>{{{10, 10}, {20, 10}, {20, 20}, {10, 10}},
+                                                    {{0, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 0}}}));
+    EXPECT_EQ(vxtest::Codes(*lijst.GetHead()), (std::vector<int>{1, 0, 0, 0}));
+}
