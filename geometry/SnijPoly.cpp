@@ -10,11 +10,13 @@
 // nInsertInLine and bSplits, never flattened. The only guard against a walk that runs away on
 // inconsistent statuses is a size limit on the ring under construction.
 #include "geometry/ClipList.h"
+#include "geometry/Extents.h"
 #include "geometry/PuntInPoly.h"
 #include "geometry/Tolerances.h"
 #include "geometry/VXCoordArr.h"
 #include "platform/Assert.h"
 
+#include <cmath>
 #include <memory>
 
 namespace vx {
@@ -25,6 +27,24 @@ using LijnPtr = std::unique_ptr<CVXCoordArr>;
 
 // The two sequences a walk runs on: A (this) and B.
 enum Reeks : int { nReeksA = 0, nReeksB = 1 };
+
+// Whether every point has a finite X and Y. A line with an unknown position has no geometry to
+// cut; without this the search for B's inner point would run its full grid for nothing.
+bool bEindig(const CVXCoordArr &lijn) {
+    for (int i = 0; i < lijn.GetSize(); ++i)
+        if (!std::isfinite(lijn.Pt(i).m_dX) || !std::isfinite(lijn.Pt(i).m_dY)) return false;
+    return true;
+}
+
+// Whether B has an inner point for the test "B lies within A". Its box must have width and
+// height: on a box of no width or height every grid point of CreeerCentroide lies on B's line,
+// so none is inside, and the search would try all of its grid (minutes) to say so.
+bool bZoekBinnenpunt(const CVXCoordArr &B, CVXCoord &centrum) {
+    CExtents ext;
+    B.Extents(ext, false);
+    if (!(ext.m_dXrb > ext.m_dXlo) || !(ext.m_dYrb > ext.m_dYlo)) return false;
+    return B.CreeerCentroide(centrum);
+}
 
 void ResetGehad(const CClipsnijpuntList &Clip) {
     for (POSITION pos = Clip.GetHeadPosition(); pos != nullptr;)
@@ -108,6 +128,7 @@ bool bVolgendeStap(const CClipsnijpunt &p, short nMode, int nClip, Stap &stap) {
 
 bool CVXCoordArr::bSnijPoly(CVXCoordArrList &Binnen, CVXCoordArrList &Buiten,
                             const CVXCoordArr &Punten, ClipField Velden, bool bPolygoon) const {
+    if (!bEindig(*this) || !bEindig(Punten)) return false; // an unknown position cuts nothing
     CVXCoordArr A2(*this);
     // B2 is B's working copy; Gelijk only reads its argument.
     CVXCoordArr B2(Punten);
@@ -181,7 +202,7 @@ void CVXCoordArr::CreeerPolys(CVXCoordArrList &Lijst, const CVXCoordArr &Punten,
         } else {
             VX_ASSERT_TEXT(bBuitenGevonden, "bBuitenGevonden");
             CVXCoord centrum;
-            if (Punten.CreeerCentroide(centrum) && PuntInPolygoon(centrum).bBinnen) {
+            if (bZoekBinnenpunt(Punten, centrum) && PuntInPolygoon(centrum).bBinnen) {
                 // B lies within A, touching it: B itself, with the touch points as vertices.
                 auto pB = std::make_unique<CVXCoordArr>(Punten);
                 const CInsertionClipLijst invoeg(Clip, nModeB);

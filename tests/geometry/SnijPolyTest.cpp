@@ -219,3 +219,21 @@ TEST(SnijPoly, ARingThroughAPointTwiceIsSplitIntoItsLoops) {
                                                     {{0, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 0}}}));
     EXPECT_EQ(vxtest::Codes(*lijst.GetHead()), (std::vector<int>{1, 0, 0, 0}));
 }
+
+TEST(SnijPoly, UnknownPositionsCutNothingAndAFlatBEndsAtOnce) {
+    const CVXCoordArr A = Vierkant(0, 0, 10, 10);
+    CVXCoordArr nan = Vierkant(5, 5, 15, 15);
+    vx::CVXCoord p = nan.Pt(2);
+    p.SetX(vx::dNaN);
+    nan.SetAt(2, &p);
+    CVXCoordArrList binnen, buiten;
+    EXPECT_FALSE(A.bSnijPoly(binnen, buiten, nan, beide, true));
+    EXPECT_FALSE(nan.bSnijPoly(binnen, buiten, A, beide, true));
+    // B runs along y = 5 and back: it crosses A's sides at (0,5) and (10,5) but encloses
+    // nothing. Both pieces of A behind the crossings lie outside B, so no walk starts; B has no
+    // inner point to lie within A. Nothing is delivered.
+    const CVXCoordArr plat = Lijn({{-5, 5, 1}, {5, 5, 0}, {15, 5, 0}, {-5, 5, 0}});
+    EXPECT_TRUE(A.bSnijPoly(binnen, buiten, plat, beide, true));
+    EXPECT_TRUE(binnen.IsEmpty());
+    EXPECT_TRUE(buiten.IsEmpty());
+}
