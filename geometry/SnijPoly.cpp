@@ -7,8 +7,9 @@
 // point, and changes to B (forward for the inside, backward for the outside) wherever the side
 // changes, until it closes. A line A gives open pieces (CreeerSegs), one per clip point whose
 // piece lies on the wanted side. Every piece is cut out of the section structure with
-// nInsertInLine and bSplits, never flattened. The only guard against a walk that runs away on
-// inconsistent statuses is a size limit on the ring under construction.
+// nInsertInLine and bSplits, never flattened. The guard against a walk that runs away on
+// inconsistent statuses is a size limit on the ring under construction (with its steps counted
+// against the same limit, see CreeerPolys).
 #include "geometry/ClipList.h"
 #include "geometry/Extents.h"
 #include "geometry/PuntInPoly.h"
@@ -38,7 +39,7 @@ bool bEindig(const CVXCoordArr &lijn) {
 
 // Whether B has an inner point for the test "B lies within A". Its box must have width and
 // height: on a box of no width or height every grid point of CreeerCentroide lies on B's line,
-// so none is inside, and the search would try all of its grid (minutes) to say so.
+// so none is inside, and the search would try all of its grid (half a minute) to say so.
 bool bZoekBinnenpunt(const CVXCoordArr &B, CVXCoord &centrum) {
     CExtents ext;
     B.Extents(ext, false);
