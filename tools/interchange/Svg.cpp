@@ -28,9 +28,10 @@ const char kNonScaling[] = " vector-effect=\"non-scaling-stroke\"";
 std::string Num(double v) {
     return NumberText(v);
 }
-// A point of the drawing: Y up becomes SVG's Y down.
+// A point of the drawing: Y up becomes SVG's Y down. Subtracting from zero keeps a zero Y
+// from turning into "-0".
 std::string XY(const CVXCoord &p) {
-    return Num(p.m_dX) + " " + Num(-p.m_dY);
+    return Num(p.m_dX) + " " + Num(0.0 - p.m_dY);
 }
 
 std::string Escaped(const std::string &text) {

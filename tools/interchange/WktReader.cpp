@@ -203,6 +203,7 @@ private:
     }
     // A part inside a compound form may repeat the dimension of the whole; it may not change it.
     void PartDimension(const Dimension &whole) {
+        SkipBlanks();
         const size_t at = m_pos;
         const Dimension d = ReadDimension();
         if (m_pos != at && !(d == whole)) FailAt(at, "the dimension of the enclosing geometry");
