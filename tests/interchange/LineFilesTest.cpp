@@ -117,7 +117,8 @@ TEST(LineFiles, StoredCodesThatDoNotFitTheirLineAreRefused) {
         return std::string("read");
     };
     EXPECT_EQ(messageOf({1, 0}), "the section codes stored with line 1 do not match its points");
-    EXPECT_EQ(messageOf({1, 0, 12}), "the section codes stored with line 1 hold an unknown code 12");
+    EXPECT_EQ(messageOf({1, 0, 12}),
+              "the section codes stored with line 1 hold an unknown code 12");
     // A line may not end between the two points of an arc: the grammar breaks at point 2.
     EXPECT_EQ(messageOf({1, 0, 8}),
               "the section codes stored with line 1 are not a valid line at point 2");
@@ -168,9 +169,12 @@ TEST(LineFiles, TheShippedParcelsOverlapInAnAreaKnownInClosedForm) {
     // on the circle about (33.75 15) of radius 16.25; B is [20,70] x [10,40] with an arc on
     // top. The overlap is [20,40] x [10,30] plus the part of A's circle right of x = 40 for
     // y from 10 to 30, i.e. u = y - 15 from -5 to 15:
-    //   400 + ∫ (sqrt(r² - u²) - 6.25) du,  with ∫ sqrt(r² - u²) du = (u sqrt(r² - u²) + r² asin(u / r)) / 2.
+    //   400 + ∫ (sqrt(r² - u²) - 6.25) du,  with ∫ sqrt(r² - u²) du = (u sqrt(r² - u²) + r² asin(u
+    //   / r)) / 2.
     const double r = 16.25;
-    const auto F = [r](double u) { return (u * std::sqrt(r * r - u * u) + r * r * std::asin(u / r)) / 2; };
+    const auto F = [r](double u) {
+        return (u * std::sqrt(r * r - u * u) + r * r * std::asin(u / r)) / 2;
+    };
     const double expected = 400.0 + F(15.0) - F(-5.0) - 6.25 * 20.0;
     double area = 0.0;
     ASSERT_TRUE(inside.GetHead()->bOppervlak(&area));

@@ -55,9 +55,10 @@ TEST(WktWrite, TheLibraryHasNoPolygonFlagSoClosedLinesArePolygons) {
     // A bare circular string that ends on its start is a circle: a curve polygon.
     EXPECT_EQ(RoundTrip("CIRCULARSTRING (0 0, 2 0, 0 0)"),
               "CURVEPOLYGON (CIRCULARSTRING (0 0, 2 0, 0 0))\n");
-    // Closed within the library's tolerance: the ring is closed exactly on its first point.
+    // Closed only within the library's tolerance: no point is moved, the line stays open
+    // (and 0.0001 is written in its shortest form, "1e-04").
     const vx::CVXCoordArr nearly = LineOf({{0, 0, 1}, {4, 0, 0}, {4, 4, 0}, {0.0001, 0, 0}});
-    EXPECT_EQ(WriteWkt(nearly), "POLYGON ((0 0, 4 0, 4 4, 0 0))");
+    EXPECT_EQ(WriteWkt(nearly), "LINESTRING (0 0, 4 0, 4 4, 1e-04 0)");
 }
 
 TEST(WktWrite, ACircleFromTheLibraryIsWrittenThroughItsOppositePoint) {

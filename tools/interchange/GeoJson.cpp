@@ -21,14 +21,12 @@ std::string Position(const CVXCoord &p, bool z) {
     return t + "]";
 }
 
-// The positions of the line; a ring ends on an exact copy of its first position.
-std::string Positions(const CVXCoordArr &line, bool ring) {
+std::string Positions(const CVXCoordArr &line) {
     const bool z = AllHaveZ(line);
     std::string t = "[";
     for (int i = 0; i < line.GetSize(); ++i) {
-        const bool last = i == line.GetSize() - 1;
         if (i != 0) t += ',';
-        t += Position(line.Pt(ring && last ? 0 : i), z);
+        t += Position(line.Pt(i), z);
     }
     return t + "]";
 }
@@ -41,8 +39,8 @@ std::string Feature(const CVXCoordArr &line, double arcTolerance) {
     flat.bArcsToLines(arcTolerance); // false only says that there was no arc
     const bool ring = IsRing(flat);
     const std::string geometry =
-        ring ? R"({"type":"Polygon","coordinates":[)" + Positions(flat, true) + "]}"
-             : R"({"type":"LineString","coordinates":)" + Positions(flat, false) + "}";
+        ring ? R"({"type":"Polygon","coordinates":[)" + Positions(flat) + "]}"
+             : R"({"type":"LineString","coordinates":)" + Positions(flat) + "}";
     return R"({"type":"Feature","properties":{},"geometry":)" + geometry + "}";
 }
 

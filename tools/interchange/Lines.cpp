@@ -74,7 +74,11 @@ bool IsCircle(const CVXCoordArr &line) {
 
 bool IsRing(const CVXCoordArr &line) {
     constexpr int kFewestRingPoints = 4;
-    return IsCircle(line) || (line.GetSize() >= kFewestRingPoints && line.bGesloten());
+    if (IsCircle(line)) return true;
+    if (line.GetSize() < kFewestRingPoints) return false;
+    const CVXCoord &first = line.Pt(0);
+    const CVXCoord &last = line.Pt(line.GetSize() - 1);
+    return first.m_dX == last.m_dX && first.m_dY == last.m_dY;
 }
 
 bool AllHaveZ(const CVXCoordArr &line) {

@@ -36,8 +36,10 @@ std::vector<Stretch> StretchesOf(const vx::CVXCoordArr &line);
 // A whole circle (the section code 7 form).
 bool IsCircle(const vx::CVXCoordArr &line);
 
-// A ring: at least four points and closed by the library's own test (bGesloten); a circle is a
-// ring too. The library has no polygon flag, so a closed line is always written as a polygon.
+// A ring: at least four points, the last exactly on the first; a circle is a ring too. The
+// library has no polygon flag, so a closed line is always written as a polygon. The test is
+// exact rather than the library's bGesloten (within dPuntTol): a writer does not move a point
+// to close a ring, so a line that ends near its start stays an open line.
 bool IsRing(const vx::CVXCoordArr &line);
 
 // True when every point has a height, so that Z can be written.

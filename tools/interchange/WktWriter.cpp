@@ -51,12 +51,7 @@ public:
         }
         return t;
     }
-    // A ring's last point is written as its first, so that the ring is closed exactly even when
-    // the library's own test found it closed within its tolerance.
-    std::string PointText(int i) const {
-        const bool last = i == m_line.GetSize() - 1;
-        return PointText(m_line.Pt(m_ring && last ? 0 : i));
-    }
+    std::string PointText(int i) const { return PointText(m_line.Pt(i)); }
     std::string PointList(const std::vector<int> &points) const {
         std::string t = "(";
         for (size_t k = 0; k < points.size(); ++k)

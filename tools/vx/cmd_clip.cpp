@@ -85,9 +85,10 @@ int RunClip(const Args &args) {
     a.push_back(ReadOneLine(opt.positional[0]));
     b.push_back(ReadOneLine(opt.positional[1]));
     vx::CVXCoordArrList binnen, buiten;
+    // A is cut as a polygon when the library takes it for closed (within its tolerance).
+    const bool polygon = a.front()->bGesloten() || a.front()->bCirkel();
     const bool cut =
-        a.front()->bSnijPoly(binnen, buiten, *b.front(), vx::ClipField(true, true, false),
-                             vxinterchange::IsRing(*a.front()));
+        a.front()->bSnijPoly(binnen, buiten, *b.front(), vx::ClipField(true, true, false), polygon);
     const Lines inside = Copies(binnen);
     const Lines outside = Copies(buiten);
     if (!cut) std::fprintf(stderr, "vx clip: A and B do not cut each other\n");
