@@ -181,6 +181,15 @@ TEST(WktRead, CurveAndRingErrorsPointAtTheirCause) {
     EXPECT_NE(e.expected.find("holes"), std::string::npos);
 }
 
+TEST(WktRead, CirclesWhoseCentreCannotBeComputedAreRefused) {
+    // So close that the quarter point rounds onto the line through them.
+    EXPECT_EQ(ErrorOf("CIRCULARSTRING (1 1, 1.0000000000000002 1, 1 1)").expected,
+              "a whole circle whose centre can be computed");
+    // So far apart that the quarter point overflows.
+    EXPECT_EQ(ErrorOf("CIRCULARSTRING (-1e308 1e308, 1e308 -1e308, -1e308 1e308)").expected,
+              "a whole circle whose centre can be computed");
+}
+
 TEST(WktRead, DeepNestingIsRefusedNotRecursedWithoutEnd) {
     std::string text;
     for (int i = 0; i < 40; ++i)

@@ -46,6 +46,11 @@ bool SamePlace(const Point &a, const Point &b) {
     return a.x == b.x && a.y == b.y;
 }
 
+// The library's turning sense of three points: 0 when they lie on one line.
+int Turn(const Point &a, const Point &b, const Point &c) {
+    return CVXCoord::nBoogRichting(CVXCoord(a.x, a.y), CVXCoord(b.x, b.y), CVXCoord(c.x, c.y));
+}
+
 LinePtr LineOf(const Chain &chain) {
     auto line = std::make_unique<CVXCoordArr>();
     for (size_t i = 0; i < chain.points.size(); ++i) {
@@ -58,10 +63,11 @@ LinePtr LineOf(const Chain &chain) {
 
 // The whole circle through a start A and its opposite point B: A, A turned a quarter
 // counter-clockwise about the centre, B, and A again, with the codes 1 7 7 7.
+// Halves are added rather than the sum halved, so that no finite input overflows.
 Chain CircleChain(const Point &a, const Point &b) {
-    const double cx = (a.x + b.x) / 2.0;
-    const double cy = (a.y + b.y) / 2.0;
-    const double z = std::isnan(a.z) || std::isnan(b.z) ? vx::dNaN : (a.z + b.z) / 2.0;
+    const double cx = a.x / 2.0 + b.x / 2.0;
+    const double cy = a.y / 2.0 + b.y / 2.0;
+    const double z = std::isnan(a.z) || std::isnan(b.z) ? vx::dNaN : a.z / 2.0 + b.z / 2.0;
     const Point quarter{cx - (a.y - cy), cy + (a.x - cx), z, b.at};
     Chain c;
     c.points = {a, quarter, b, a};
@@ -228,14 +234,18 @@ private:
         if (points.size() == kArcPoints && SamePlace(points[0], points[2])) {
             if (SamePlace(points[0], points[1]))
                 FailAt(points[1].at, "a middle point apart from the start of a whole circle");
-            return CircleChain(points[0], points[1]);
+            const Chain circle = CircleChain(points[0], points[1]);
+            // Points so close or so far apart that the quarter point cannot be told apart from
+            // them, or overflows, give no circle the library can compute with.
+            const Point &quarter = circle.points[1];
+            if (!std::isfinite(quarter.x) || !std::isfinite(quarter.y) || std::isinf(quarter.z) ||
+                Turn(points[0], quarter, points[1]) == 0)
+                FailAt(points[1].at, "a whole circle whose centre can be computed");
+            return circle;
         }
-        for (size_t i = 0; i + 2 < points.size(); i += 2) {
-            const CVXCoord a(points[i].x, points[i].y), b(points[i + 1].x, points[i + 1].y),
-                c(points[i + 2].x, points[i + 2].y);
-            if (CVXCoord::nBoogRichting(a, b, c) == 0)
+        for (size_t i = 0; i + 2 < points.size(); i += 2)
+            if (Turn(points[i], points[i + 1], points[i + 2]) == 0)
                 FailAt(points[i + 1].at, "an arc whose three points do not lie on one line");
-        }
         Chain chain;
         chain.points = points;
         chain.codes.assign(points.size(), vx::nSectieBoog);
