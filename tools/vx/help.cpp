@@ -14,7 +14,8 @@ const char kSynopsis[] = "vx --version | vx --help | vx help [COMMAND] | vx COMM
 const char kAbout[] =
     "vx is the command-line host of VXCommon, the class library of land-surveying and geodetic "
     "applications: it converts coordinates between ETRS89 and map projections, lists and "
-    "converts archive documents, and checks the installed library. Every command prints a clear "
+    "converts archive documents, exchanges lines with WKT, GeoJSON and SVG, clips polygons, and "
+    "checks the installed library. Every command prints a clear "
     "message and exits with code 2 on bad input, 1 when the work itself fails (a write error, a "
     "failed check), and 0 on success.";
 
