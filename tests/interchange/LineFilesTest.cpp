@@ -10,6 +10,8 @@
 #include "persist/SerCollections.h"
 #include "platform/VXString.h"
 
+#include "InterchangeTest.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -25,12 +27,7 @@ using vxinterchange::Lines;
 using vxinterchange::ReadLinesFile;
 using vxinterchange::ReadWkt;
 
-std::vector<int> Codes(const vx::CVXCoordArr &line) {
-    std::vector<int> codes;
-    for (int i = 0; i < line.GetSize(); ++i)
-        codes.push_back(line.Pt(i).m_nSectie);
-    return codes;
-}
+using vxinterchangetest::Codes;
 
 InputKind Sniff(const std::string &text) {
     return vxinterchange::SniffInput(reinterpret_cast<const unsigned char *>(text.data()),

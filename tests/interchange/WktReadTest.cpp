@@ -1,6 +1,8 @@
 // The WKT reader: section codes, heights, every geometry form, and exact error positions.
 #include "Wkt.h"
 
+#include "InterchangeTest.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -14,12 +16,7 @@ using vxinterchange::CWktError;
 using vxinterchange::Lines;
 using vxinterchange::ReadWkt;
 
-std::vector<int> Codes(const vx::CVXCoordArr &line) {
-    std::vector<int> codes;
-    for (int i = 0; i < line.GetSize(); ++i)
-        codes.push_back(line.Pt(i).m_nSectie);
-    return codes;
-}
+using vxinterchangetest::Codes;
 
 // The 1-based position and the text of the error the reader raises, or 0 when it reads.
 struct ErrorAt {

@@ -1,6 +1,9 @@
 #include "Svg.h"
 
 #include "geometry/Extents.h"
+#include "persist/XmlWriter.h"
+#include "platform/CodePage.h"
+#include "platform/VXString.h"
 
 #include <algorithm>
 #include <cmath>
@@ -34,27 +37,12 @@ std::string XY(const CVXCoord &p) {
     return Num(p.m_dX) + " " + Num(0.0 - p.m_dY);
 }
 
+// The text with the five XML escapes, for attribute values and element text.
 std::string Escaped(const std::string &text) {
-    std::string out;
-    for (const char c : text) {
-        switch (c) {
-        case '&':
-            out += "&amp;";
-            break;
-        case '<':
-            out += "&lt;";
-            break;
-        case '>':
-            out += "&gt;";
-            break;
-        case '"':
-            out += "&quot;";
-            break;
-        default:
-            out += c;
-        }
-    }
-    return out;
+    vx::CVXString wide(vx::Utf8ToWide(text.data(), text.size()).c_str());
+    vx::NXMLUtil::XMLEncodeReplace(wide);
+    const char16_t *units = wide;
+    return units ? vx::WideToUtf8(units, static_cast<size_t>(wide.GetLength())) : std::string();
 }
 
 // The cross product of (b − a) and (c − a).
