@@ -20,7 +20,6 @@ namespace vxtool {
 namespace {
 
 const vx::SResourceText kTexts[] = {
-    {IDS_VX_IMPORT, u"Importing lines", u"Lijnen importeren", u"正在导入线"},
     {IDS_VX_EXPORT, u"Exporting lines", u"Lijnen exporteren", u"正在导出线"},
     {IDS_VX_DRAW, u"Drawing lines", u"Lijnen tekenen", u"正在绘制线"},
 };

@@ -39,7 +39,7 @@ int ParseOptions(const Args &args, const std::vector<std::string> &valued, size_
 int EmitText(const std::string &text, const std::string &path);
 
 // Titles of the progress bars (string resources of the tool, in the library's three languages).
-enum : unsigned int { IDS_VX_IMPORT = 9701, IDS_VX_EXPORT = 9702, IDS_VX_DRAW = 9703 };
+enum : unsigned int { IDS_VX_EXPORT = 9702, IDS_VX_DRAW = 9703 };
 
 // A progress bar over a number of lines, drawn on standard error only when that is a terminal.
 class CLineProgress {

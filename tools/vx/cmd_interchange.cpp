@@ -97,7 +97,6 @@ int RunImport(const Args &args) {
     const Lines lines = ReadSomeLines(opt.positional[0]);
     const std::string &out = opt.positional[1];
     try {
-        CLineProgress progress(IDS_VX_IMPORT, lines.size());
         vxinterchange::SaveLinesArchive(out, lines);
     } catch (const std::exception &e) {
         Fail(e.what());
