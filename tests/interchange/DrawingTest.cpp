@@ -64,6 +64,20 @@ TEST(GeoJson, ArcsBecomeChordsWithinTheTolerance) {
     }
 }
 
+TEST(GeoJson, ChordsBeyondTheBudgetAreRefusedNotAllocated) {
+    // Half circles of radius 100 at a tolerance of 1e-6: each becomes about
+    // π / acos(1 - 1e-8) ≈ 22200 chords, so 10 of them pass a budget of 200 000 positions,
+    // and 8 stay within it.
+    std::string wkt = "CIRCULARSTRING (0 0";
+    for (int k = 0; k < 10; ++k)
+        wkt += ", " + std::to_string(200 * k + 100) + (k % 2 ? " -100, " : " 100, ") +
+               std::to_string(200 * k + 200) + " 0";
+    const Lines arcs = ReadWkt(wkt + ")");
+    EXPECT_THROW(vxinterchange::WriteGeoJson(arcs, 1e-6, {}, 200000), std::length_error);
+    const Lines fewer = ReadWkt(wkt.substr(0, wkt.find(", 1700 ")) + ")");
+    EXPECT_NO_THROW(vxinterchange::WriteGeoJson(fewer, 1e-6, {}, 200000));
+}
+
 TEST(Svg, ArcFlagsFollowTheThreePoints) {
     // On the circle of radius 10 about the origin, Y negated in the drawing. (6 8) lies between
     // 0° and 90°, (-6 -8) on the far side.

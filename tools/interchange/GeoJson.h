@@ -6,6 +6,7 @@
 
 #include "Lines.h"
 
+#include <cstddef>
 #include <string>
 
 namespace vxinterchange {
@@ -13,7 +14,13 @@ namespace vxinterchange {
 // Ground units (metres): one centimetre between an arc and its chords.
 inline constexpr double kDefaultArcTolerance = 0.01;
 
+// All lines together become at most this many positions by default (about 200 MB of text);
+// more (a tolerance far below the arcs' size) gives std::length_error rather than memory
+// without bound.
+inline constexpr size_t kMaxGeoJsonPositions = 5'000'000;
+
 // The text of the collection; a line of fewer than two points gives std::invalid_argument.
-std::string WriteGeoJson(const Lines &lines, double arcTolerance, const LineDone &done = {});
+std::string WriteGeoJson(const Lines &lines, double arcTolerance, const LineDone &done = {},
+                         size_t maxPositions = kMaxGeoJsonPositions);
 
 } // namespace vxinterchange
