@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -25,12 +24,18 @@ std::vector<std::string> Tokens(const std::string &text) {
     return out;
 }
 
-// The numbers of every "[x,y]" position in the text.
+// The numbers of every "[x,y]" position in the text (brackets around a comma, no brackets
+// within).
 std::vector<std::pair<double, double>> Positions(const std::string &json) {
     std::vector<std::pair<double, double>> out;
-    const std::regex pair(R"(\[(-?[0-9.e+-]+),(-?[0-9.e+-]+)\])");
-    for (std::sregex_iterator it(json.begin(), json.end(), pair), end; it != end; ++it)
-        out.emplace_back(std::stod((*it)[1]), std::stod((*it)[2]));
+    for (size_t open = json.find('['); open != std::string::npos; open = json.find('[', open + 1)) {
+        const size_t close = json.find(']', open);
+        const std::string inner = json.substr(open + 1, close - open - 1);
+        const size_t comma = inner.find(',');
+        if (inner.empty() || inner.find('[') != std::string::npos || comma == std::string::npos)
+            continue;
+        out.emplace_back(std::stod(inner.substr(0, comma)), std::stod(inner.substr(comma + 1)));
+    }
     return out;
 }
 
