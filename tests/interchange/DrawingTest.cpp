@@ -85,7 +85,9 @@ TEST(GeoJson, ChordsBeyondTheBudgetAreRefusedNotAllocated) {
 
 TEST(Svg, ArcFlagsFollowTheThreePoints) {
     // On the circle of radius 10 about the origin, Y negated in the drawing. (6 8) lies between
-    // 0° and 90°, (-6 -8) on the far side.
+    // 0° and 90°, (-6 -8) on the far side. SVG's positive sense turns from its X axis towards
+    // its Y axis, which points down: clockwise as the map is seen, so a clockwise arc on the
+    // map has sweep 1 and a counter-clockwise one sweep 0.
     struct Case {
         const char *wkt;
         const char *large;
@@ -93,10 +95,10 @@ TEST(Svg, ArcFlagsFollowTheThreePoints) {
         const char *end;
     };
     const Case cases[] = {
-        {"CIRCULARSTRING (10 0, 6 8, 0 10)", "0", "1", "-10"},   // quarter, counter-clockwise
-        {"CIRCULARSTRING (0 10, 6 8, 10 0)", "0", "0", "0"},     // quarter, clockwise
-        {"CIRCULARSTRING (10 0, -6 -8, 0 10)", "1", "0", "-10"}, // three quarters, clockwise
-        {"CIRCULARSTRING (0 10, -6 -8, 10 0)", "1", "1", "0"},   // three quarters, counter-
+        {"CIRCULARSTRING (10 0, 6 8, 0 10)", "0", "0", "-10"},   // quarter, counter-clockwise
+        {"CIRCULARSTRING (0 10, 6 8, 10 0)", "0", "1", "0"},     // quarter, clockwise
+        {"CIRCULARSTRING (10 0, -6 -8, 0 10)", "1", "1", "-10"}, // three quarters, clockwise
+        {"CIRCULARSTRING (0 10, -6 -8, 10 0)", "1", "0", "0"},   // three quarters, counter-
     };
     for (const Case &c : cases) {
         const std::vector<std::string> t = Tokens(vxinterchange::SvgPathData(*ReadWkt(c.wkt)[0]));
@@ -112,25 +114,30 @@ TEST(Svg, ArcFlagsFollowTheThreePoints) {
 }
 
 TEST(Svg, CirclesAndRingsArePathsOfTheirOwn) {
-    // The circle through (0 0), (1 1), (2 0) runs clockwise on the map: sweep 0 in the drawing.
+    // The circle through (0 0), (1 1), (2 0) runs clockwise on the map: sweep 1 in the drawing.
     vx::CVXCoordArr circle;
     const vx::CVXCoord pts[] = {{0, 0, 1}, {1, 1, 7}, {2, 0, 7}};
     for (const vx::CVXCoord &p : pts)
         circle.Add(&p);
-    EXPECT_EQ(vxinterchange::SvgPathData(circle), "M 0 0 A 1 1 0 0 0 2 0 A 1 1 0 0 0 0 0 Z");
+    EXPECT_EQ(vxinterchange::SvgPathData(circle), "M 0 0 A 1 1 0 0 1 2 0 A 1 1 0 0 1 0 0 Z");
     EXPECT_EQ(vxinterchange::SvgPathData(*ReadWkt("POLYGON ((0 0, 4 0, 4 3, 0 0))")[0]),
               "M 0 0 L 4 0 L 4 -3 L 0 0 Z");
 }
 
 TEST(Svg, TheViewBoxHoldsEveryCurveAndTheLegendNamesTheLayers) {
     // A half circle bulging to y = 10 beyond its end points (y = 0): extents 20 by 10, margin
-    // 5 % of 20 = 1, so the box starts at (-11, -11) and is 22 by 12; 800 px wide, 436 high.
+    // 5 % of 20 = 1, so the drawing spans x -11..11 and (Y negated) y -11..1, 22 by 12. The
+    // legend's text is 22 / 32 = 0.6875 high, its band 0.6875 × (2 × 1.5 + 0.5) = 2.40625 above:
+    // the box starts at (-11, -13.40625) and is 22 by 14.40625; 800 px wide, 800 × 14.40625 / 22
+    // = 523.9 px high; strokes 2 px = 2 × 22 / 800 = 0.055 units.
     const Lines arc = ReadWkt("CIRCULARSTRING (-10 0, 0 10, 10 0)");
     const Lines none;
     const std::string svg = vxinterchange::WriteSvg(
         {{&arc, "arc <1> & co", "#123456", false}, {&none, "nothing", "red", true}});
-    EXPECT_NE(svg.find("width=\"800\" height=\"436\" viewBox=\"-11 -11 22 12\""),
+    EXPECT_NE(svg.find("width=\"800\" height=\"524\" viewBox=\"-11 -13.40625 22 14.40625\""),
               std::string::npos);
+    EXPECT_NE(svg.find("stroke-width=\"0.055\""), std::string::npos);
+    EXPECT_NE(svg.find("font-size=\"0.6875\""), std::string::npos);
     EXPECT_NE(svg.find(">arc &lt;1&gt; &amp; co</text>"), std::string::npos);
     EXPECT_NE(svg.find(">nothing</text>"), std::string::npos);
     EXPECT_NE(svg.find("stroke=\"#123456\""), std::string::npos);

@@ -1,9 +1,9 @@
 // SVG drawings of lines, for a person to look at: each layer in its own colour, arcs as SVG arc
 // commands (radius, large-arc and sweep flags from the three points), whole circles as two
 // half arcs, splines as chords (Lines.h). The drawing's Y axis points up, as on a map: every Y
-// is written negated, which also turns each arc's sense. The view box is the extents of all
-// layers with a margin; a legend names the layers in the top left corner. Strokes keep their
-// width in screen pixels at any scale.
+// is written negated. The view box is the extents of all layers with a margin and, above
+// them, a band where a legend names the layers. Strokes are 2 pixels wide at the drawing's
+// size of 800 pixels across.
 #pragma once
 
 #include "Lines.h"
