@@ -5,15 +5,12 @@
 #include "persist/ArchiveFiles.h"
 #include "persist/SerCollections.h"
 #include "platform/File.h"
+#include "platform/FileReplacement.h"
 #include "platform/VXString.h"
 
-#include <atomic>
 #include <cctype>
 #include <cstring>
 #include <stdexcept>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace vxinterchange {
 
@@ -25,9 +22,7 @@ using vx::CVXCoordArr;
 using vx::CVXString;
 
 constexpr unsigned int kReadFlags = CFile::modeRead | CFile::shareDenyWrite | CFile::typeBinary;
-constexpr unsigned int kWriteFlags =
-    CFile::modeCreate | CFile::modeWrite | CFile::shareExclusive | CFile::typeBinary;
-// CFile moves at most this many bytes in one call.
+// CFile reads at most this many bytes in one call.
 constexpr size_t kMaxChunk = size_t{1} << 30;
 
 std::string Reason(const vx::CFileException &e) {
@@ -137,24 +132,6 @@ private:
     Lines m_lines;
 };
 
-std::string TempNameBeside(const std::string &path) {
-    static std::atomic<unsigned> counter{0};
-    const size_t slash = path.rfind('/');
-    const size_t nameAt = slash == std::string::npos ? 0 : slash + 1;
-    return path.substr(0, nameAt) + "." + path.substr(nameAt) + "." + std::to_string(::getpid()) +
-           "." + std::to_string(counter++) + ".tmp";
-}
-
-// Synchronises the directory of the path, so that a rename in it survives a crash.
-void SyncDirectoryOf(const std::string &path) {
-    const size_t slash = path.rfind('/');
-    const std::string dir = slash == std::string::npos ? "." : path.substr(0, slash + 1);
-    const int fd = ::open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd < 0) return;
-    ::fsync(fd);
-    ::close(fd);
-}
-
 } // namespace
 
 InputKind SniffInput(const unsigned char *data, size_t size) {
@@ -205,22 +182,11 @@ void SaveLinesArchive(const std::string &path, const Lines &lines) {
 }
 
 void WriteTextFile(const std::string &path, const std::string &text) {
-    const std::string temp = TempNameBeside(path);
     try {
-        CFile file(CVXString(temp.c_str()), kWriteFlags);
-        for (size_t done = 0; done < text.size();) {
-            const size_t n = std::min(text.size() - done, kMaxChunk);
-            file.Write(text.data() + done, static_cast<unsigned int>(n));
-            done += n;
-        }
-        file.Flush(); // on the disk before the rename, or a crash could leave an empty target
-        file.Close();
-        CFile::Rename(CVXString(temp.c_str()), CVXString(path.c_str()));
+        vx::WriteFileReplacing(CVXString(path.c_str()), text.data(), text.size());
     } catch (const vx::CFileException &e) {
-        ::unlink(temp.c_str());
         throw std::runtime_error(path + ": cannot write the file: " + Reason(e));
     }
-    SyncDirectoryOf(path);
 }
 
 } // namespace vxinterchange

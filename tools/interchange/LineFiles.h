@@ -37,9 +37,8 @@ Lines LinesOfArchiveRoot(const vx::ISerObject &root);
 // binary), through the library's atomic save; vx::CArchiveFileError on failure.
 void SaveLinesArchive(const std::string &path, const Lines &lines);
 
-// Writes the text to a new file beside the target, checks every write and the close,
-// synchronises it to the disk and renames it over the target; on any failure the target is
-// left as it was, the new file is removed, and std::runtime_error names the target and the
+// Writes the text through the library's replace-beside-and-rename writer (WriteFileReplacing):
+// on any failure the target is left as it was, and std::runtime_error names the target and the
 // system's reason.
 void WriteTextFile(const std::string &path, const std::string &text);
 
