@@ -166,9 +166,7 @@ Lines LinesOfArchiveRoot(const vx::ISerObject &root) {
     return collector.Take();
 }
 
-void SaveLinesArchive(const std::string &path, const Lines &lines) {
-    vx::CSerObArray root;
-    std::vector<std::unique_ptr<vx::CVXWordArray>> codes;
+void AddLinesWithCodes(vx::CSerObArray &root, const Lines &lines, CodeArrays &codes) {
     for (const LinePtr &line : lines) {
         auto words = std::make_unique<vx::CVXWordArray>();
         for (int i = 0; i < line->GetSize(); ++i)
@@ -177,6 +175,12 @@ void SaveLinesArchive(const std::string &path, const Lines &lines) {
         root.Add(words.get());
         codes.push_back(std::move(words));
     }
+}
+
+void SaveLinesArchive(const std::string &path, const Lines &lines) {
+    vx::CSerObArray root;
+    CodeArrays codes;
+    AddLinesWithCodes(root, lines, codes);
     const CVXString target(path.c_str());
     vx::SaveArchiveRoot(target, root, vx::ArchiveFormatForPath(target));
 }

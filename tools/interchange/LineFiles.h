@@ -12,8 +12,12 @@
 
 #include "Lines.h"
 
+#include "persist/SerCollections.h"
+
 #include <cstddef>
+#include <memory>
 #include <string>
+#include <vector>
 
 namespace vxinterchange {
 
@@ -32,6 +36,13 @@ Lines ReadLinesFile(const std::string &path);
 
 // The lines of an archive's root object, in the form described above.
 Lines LinesOfArchiveRoot(const vx::ISerObject &root);
+
+// The code arrays that AddLinesWithCodes makes; they must live as long as the array.
+using CodeArrays = std::vector<std::unique_ptr<vx::CVXWordArray>>;
+
+// Appends every line to the array, each followed by the word array of its section codes, in the
+// form described above.
+void AddLinesWithCodes(vx::CSerObArray &root, const Lines &lines, CodeArrays &codes);
 
 // Saves the lines as an archive whose format follows the name (".xml" is XML, anything else
 // binary), through the library's atomic save; vx::CArchiveFileError on failure.

@@ -4,9 +4,11 @@
 #include "geometry/VXCoordArr.h"
 #include "persist/ArchiveFiles.h"
 
+#include "LineFiles.h"
+
 #include <cmath>
 #include <memory>
-#include <vector>
+#include <utility>
 
 namespace vxtool {
 
@@ -27,7 +29,7 @@ struct SPoint {
     vx::SectieCode code;
 };
 
-std::unique_ptr<vx::CVXCoordArr> Line(const std::vector<SPoint> &points, double z) {
+vxinterchange::LinePtr Line(const std::vector<SPoint> &points, double z) {
     auto line = std::make_unique<vx::CVXCoordArr>();
     for (const SPoint &p : points) {
         const vx::CVXCoord c(kX0 + p.x, kY0 + p.y, z, static_cast<char>(p.code));
@@ -36,7 +38,7 @@ std::unique_ptr<vx::CVXCoordArr> Line(const std::vector<SPoint> &points, double 
     return line;
 }
 
-std::unique_ptr<vx::CVXCoordArr> Parcel(double dx, double dy) {
+vxinterchange::LinePtr Parcel(double dx, double dy) {
     const double cx = dx + kWidth - kCornerRadius; // the centre of the rounded corner
     const double cy = dy + kDepth - kCornerRadius;
     const double d = kCornerRadius / std::sqrt(2.0);
@@ -52,7 +54,7 @@ std::unique_ptr<vx::CVXCoordArr> Parcel(double dx, double dy) {
 
 // The plan boundary: a rectangle whose west side is an arc of radius 75 m bulging west, so that
 // it cuts two parcels along a curve; its east side cuts a third one straight.
-std::unique_ptr<vx::CVXCoordArr> Boundary() {
+vxinterchange::LinePtr Boundary() {
     return Line({{20, -10, vx::nSectieStart},
                  {95, -10, vx::nSectieRecht},
                  {95, 80, vx::nSectieRecht},
@@ -65,16 +67,17 @@ std::unique_ptr<vx::CVXCoordArr> Boundary() {
 } // namespace
 
 void WriteDemoProject(const std::string &path) {
-    std::vector<std::unique_ptr<vx::CSerObject>> owned;
-    owned.push_back(std::make_unique<vx::CProjection_RDNAPTRANS2008>());
-    owned.push_back(Boundary());
+    vx::CProjection_RDNAPTRANS2008 projection;
+    vxinterchange::Lines lines;
+    lines.push_back(Boundary());
     // Two cut by the arc, one wholly inside, one cut by the straight east side, one outside.
-    for (const auto &[dx, dy] : {std::pair{0.0, 0.0}, std::pair{0.0, 35.0}, std::pair{45.0, 0.0},
-                                 std::pair{70.0, 35.0}, std::pair{120.0, 0.0}})
-        owned.push_back(Parcel(dx, dy));
+    for (const auto &[dx, dy] : {std::pair{0.0, 0.0}, std::pair{0.0, 40.0}, std::pair{45.0, 0.0},
+                                 std::pair{70.0, 40.0}, std::pair{120.0, 0.0}})
+        lines.push_back(Parcel(dx, dy));
     vx::CSerObArray root;
-    for (const auto &p : owned)
-        root.Add(p.get());
+    root.Add(&projection);
+    vxinterchange::CodeArrays codes;
+    vxinterchange::AddLinesWithCodes(root, lines, codes);
     const vx::CVXString target(path.c_str());
     vx::SaveArchiveRoot(target, root, vx::ArchiveFormatForPath(target));
 }

@@ -10,6 +10,10 @@
 #include "Command.h"
 #include "DemoProject.h"
 
+#include "LineFiles.h"
+#include "Svg.h"
+
+#include "geodesy/Angles.h"
 #include "geodesy/Ellipsoid.h"
 #include "geodesy/Geoid.h"
 #include "geodesy/NationalGrid.h"
@@ -18,7 +22,6 @@
 #include "persist/ArchiveFiles.h"
 #include "platform/Errors.h"
 #include "platform/File.h"
-#include "platform/FileReplacement.h"
 #include "text/AsciiMeldingen.h"
 
 #include <charconv>
@@ -108,39 +111,32 @@ std::string GridBytes(double (*field)(double, double)) {
     return bytes;
 }
 
-void WriteText(const std::string &path, const std::string &text) {
-    vx::WriteFileReplacing(vx::CVXString(path.c_str()), text.data(), text.size());
-}
-
 void WriteSyntheticGrid(const std::string &dir) {
     std::filesystem::create_directories(dir);
-    WriteText(dir + "/X2c.grd", GridBytes(&SyntheticDx));
-    WriteText(dir + "/Y2c.grd", GridBytes(&SyntheticDy));
+    vxinterchange::WriteTextFile(dir + "/X2c.grd", GridBytes(&SyntheticDx));
+    vxinterchange::WriteTextFile(dir + "/Y2c.grd", GridBytes(&SyntheticDy));
 }
 
 // The parts of a loaded project.
 struct SProject {
     vx::COutputSystem *pProjection = nullptr;
-    vx::CVXCoordArr *pBoundary = nullptr;
-    std::vector<vx::CVXCoordArr *> parcels;
+    vxinterchange::Lines boundary; // one line
+    vxinterchange::Lines parcels;
 };
 
-// The root is an array: the projection, the plan boundary, then the parcels.
+// The root is an array: the projection, then the plan boundary and the parcels, each line
+// followed by its section codes.
 SProject Identify(vx::ISerObject &root) {
-    auto *pArray = dynamic_cast<vx::CSerObArray *>(&root);
-    if (!pArray || pArray->GetSize() < 2)
+    SProject project;
+    if (auto *pArray = dynamic_cast<vx::CSerObArray *>(&root); pArray && pArray->GetSize() > 0)
+        project.pProjection = dynamic_cast<vx::COutputSystem *>(pArray->GetAt(0));
+    vxinterchange::Lines lines = vxinterchange::LinesOfArchiveRoot(root);
+    if (!project.pProjection || lines.size() < 2)
         throw std::runtime_error("the project is not an array of a projection, a boundary and "
                                  "parcels");
-    SProject project;
-    project.pProjection = dynamic_cast<vx::COutputSystem *>(pArray->GetAt(0));
-    project.pBoundary = dynamic_cast<vx::CVXCoordArr *>(pArray->GetAt(1));
-    for (int32_t i = 2; i < pArray->GetSize(); ++i) {
-        auto *pParcel = dynamic_cast<vx::CVXCoordArr *>(pArray->GetAt(i));
-        if (!pParcel) throw std::runtime_error("element " + std::to_string(i) + " is no line");
-        project.parcels.push_back(pParcel);
-    }
-    if (!project.pProjection || !project.pBoundary)
-        throw std::runtime_error("the project lacks its projection or its boundary");
+    project.boundary.push_back(std::move(lines.front()));
+    for (size_t i = 1; i < lines.size(); ++i)
+        project.parcels.push_back(std::move(lines[i]));
     return project;
 }
 
@@ -156,15 +152,9 @@ double Area(const vx::CVXCoordArr &line) {
     return line.bOppervlak(&area) ? area : 0.0;
 }
 
-struct SClipped {
-    vx::CVXCoordArrList pieces;
-    double dAreaBefore = 0.0;
-    double dAreaAfter = 0.0;
-};
-
 // Clips one parcel; a parcel that the boundary does not cross lies wholly inside or outside it.
 void ClipParcel(const vx::CVXCoordArr &parcel, int nParcel, const vx::CVXCoordArr &boundary,
-                SClipped &out, vx::CAsciiMeldingen &report) {
+                vxinterchange::Lines &pieces, vx::CAsciiMeldingen &report) {
     vx::CVXCoordArrList inside;
     vx::CVXCoordArrList outside;
     const bool bCut =
@@ -174,13 +164,13 @@ void ClipParcel(const vx::CVXCoordArr &parcel, int nParcel, const vx::CVXCoordAr
                              u"parcel %d: cut by the boundary into %d piece(s)", nParcel,
                              static_cast<int>(inside.GetCount()));
         while (!inside.IsEmpty())
-            out.pieces.AddTail(inside.RemoveHead());
+            pieces.emplace_back(inside.RemoveHead());
         return;
     }
     if (parcel.nPuntArrBinnenPuntArr(boundary) > 0) {
         report.AddMeldingFmt(vx::CAsciiMeldingen::mtMelding,
                              u"parcel %d: wholly inside the boundary", nParcel);
-        out.pieces.AddTail(new vx::CVXCoordArr(parcel));
+        pieces.push_back(std::make_unique<vx::CVXCoordArr>(parcel));
         return;
     }
     report.AddMeldingFmt(vx::CAsciiMeldingen::mtWaarschuwing,
@@ -194,30 +184,34 @@ std::string Fixed(double v, int precision) {
 }
 
 // Every vertex of every piece in ETRS89: piece, vertex, latitude, longitude, height.
-std::string EtrsListing(vx::CVXCoordArrList &pieces, vx::COutputSystem &projection) {
-    std::string text = "# piece vertex latitude longitude height (ETRS89, degrees and metres; "
-                       "through a SYNTHETIC correction grid)\n";
+std::string EtrsListing(const vxinterchange::Lines &pieces, vx::COutputSystem &projection) {
+    // The heights are what the national chain makes of them: the NAP height taken as a height
+    // above the Bessel ellipsoid, carried through the datum shift, plus the geoid height N of the
+    // registered model. The header says so, so that nobody reads them as true ETRS89 heights.
+    std::string text = "# piece vertex latitude longitude height: ETRS89 in degrees, through a "
+                       "SYNTHETIC correction grid\n"
+                       "# height: the NAP height as a Bessel height through the datum shift, "
+                       "plus the geoid height N of the model in use (none: N is 0)\n";
     int nPiece = 0;
-    for (vx::POSITION pos = pieces.GetHeadPosition(); pos;) {
-        const vx::CVXCoordArr &piece = *pieces.GetNext(pos);
+    for (const vxinterchange::LinePtr &line : pieces) {
+        const vx::CVXCoordArr &piece = *line;
         ++nPiece;
         for (int i = 0; i < piece.GetSize(); ++i) {
             vx::CEllCoord ell;
             projection.LOCAL2ETRS(ell, piece.Pt(i));
             text += std::to_string(nPiece) + ' ' + std::to_string(i + 1) + ' ' +
-                    Fixed(ell.dGetLat(), 9) + ' ' + Fixed(ell.dGetLon(), 9) + ' ' +
-                    Fixed(ell.dGetHgt(), 3) + '\n';
+                    Fixed(vx::RadToDeg(ell.dGetLat()), 9) + ' ' +
+                    Fixed(vx::RadToDeg(ell.dGetLon()), 9) + ' ' + Fixed(ell.dGetHgt(), 3) + '\n';
         }
     }
     return text;
 }
 
-// The pieces as one array, for the archives.
-std::unique_ptr<vx::CSerObArray> AsArray(vx::CVXCoordArrList &pieces) {
-    auto array = std::make_unique<vx::CSerObArray>();
-    for (vx::POSITION pos = pieces.GetHeadPosition(); pos;)
-        array->Add(pieces.GetNext(pos));
-    return array;
+// The parcels in grey, the boundary in blue, the pieces inside filled green.
+std::string Drawing(const SProject &project, const vxinterchange::Lines &pieces) {
+    return vxinterchange::WriteSvg({{&project.parcels, "parcels", "#7f7f7f", false},
+                                    {&project.boundary, "plan boundary", "#1f77b4", false},
+                                    {&pieces, "pieces inside", "#2ca02c", true}});
 }
 
 std::string DefaultDataDir() {
@@ -285,20 +279,20 @@ void PrintSummary(const SOptions &o, const SSummary &s, const std::string &geoid
     std::printf("  geoid     %s\n", geoid.c_str());
     std::printf("  messages  %u (%u warnings, %u errors)\n", report.lGetAantal(),
                 report.lGetAantal(vx::CAsciiMeldingen::mtWaarschuwing), report.lGetFouten());
-    std::printf("  written   %s/{pieces.xml, pieces.vxb, pieces_etrs89.txt, report.txt}\n",
+    std::printf("  written   %s/{pieces.xml, pieces.vxb, pieces_etrs89.txt, report.txt, "
+                "demo.svg}\n",
                 o.outDir.c_str());
 }
 
-// Saves the pieces with both archives, their ETRS89 vertices and the report.
-void WriteResults(const SOptions &o, vx::CVXCoordArrList &pieces, vx::COutputSystem &projection,
+// Saves the pieces with both archives, their ETRS89 vertices, the report and the drawing.
+void WriteResults(const SOptions &o, const SProject &project, const vxinterchange::Lines &pieces,
                   vx::CAsciiMeldingen &report) {
     try {
-        const std::unique_ptr<vx::CSerObArray> result = AsArray(pieces);
-        vx::SaveArchiveRoot(vx::CVXString((o.outDir + "/pieces.xml").c_str()), *result,
-                            vx::ArchiveFormat::xml);
-        vx::SaveArchiveRoot(vx::CVXString((o.outDir + "/pieces.vxb").c_str()), *result,
-                            vx::ArchiveFormat::binary);
-        WriteText(o.outDir + "/pieces_etrs89.txt", EtrsListing(pieces, projection));
+        vxinterchange::SaveLinesArchive(o.outDir + "/pieces.xml", pieces);
+        vxinterchange::SaveLinesArchive(o.outDir + "/pieces.vxb", pieces);
+        vxinterchange::WriteTextFile(o.outDir + "/pieces_etrs89.txt",
+                                     EtrsListing(pieces, *project.pProjection));
+        vxinterchange::WriteTextFile(o.outDir + "/demo.svg", Drawing(project, pieces));
         report.SaveAs(vx::CVXString((o.outDir + "/report.txt").c_str()));
     } catch (const std::exception &e) {
         throw CWriteFailed(e.what());
@@ -322,23 +316,21 @@ int RunRoad(const SOptions &o) {
     const SProject project = Identify(loaded.Root());
 
     vx::CAsciiMeldingen report;
-    SClipped clipped;
+    vxinterchange::Lines pieces;
     SSummary summary;
     summary.nParcels = project.parcels.size();
     for (size_t i = 0; i < project.parcels.size(); ++i) {
         const vx::CVXCoordArr &parcel = *project.parcels[i];
         summary.nArcsBefore += CountArcs(parcel);
         summary.dAreaBefore += Area(parcel);
-        ClipParcel(parcel, static_cast<int>(i + 1), *project.pBoundary, clipped, report);
+        ClipParcel(parcel, static_cast<int>(i + 1), *project.boundary.front(), pieces, report);
     }
-    for (vx::POSITION pos = clipped.pieces.GetHeadPosition(); pos;) {
-        const vx::CVXCoordArr &piece = *clipped.pieces.GetNext(pos);
-        summary.nArcsAfter += CountArcs(piece);
-        summary.dAreaAfter += Area(piece);
+    for (const vxinterchange::LinePtr &piece : pieces) {
+        summary.nArcsAfter += CountArcs(*piece);
+        summary.dAreaAfter += Area(*piece);
     }
-    summary.nPieces = static_cast<size_t>(clipped.pieces.GetCount());
-
-    WriteResults(o, clipped.pieces, *project.pProjection, report);
+    summary.nPieces = pieces.size();
+    WriteResults(o, project, pieces, report);
     vx::RegisterGeoidModel(kRdGeoidModel, nullptr);
     PrintSummary(o, summary, geoid, report);
     return std::fflush(stdout) == 0 ? 0 : kWriteFailed;
