@@ -1,8 +1,10 @@
 #!/bin/bash
 # vx demo end to end: the synthetic project clipped, converted and saved, checked against values
-# worked out by hand, and a run whose output cannot be written. Usage: vx_demo.sh PATH_TO_VX
+# worked out by hand, and a run whose output cannot be written.
+# Usage: vx_demo.sh PATH_TO_VX SOURCE_DATA_DIR
 set -u
 VX=$1
+DATA=$2
 DIR=$(mktemp -d)
 trap 'rm -rf "$DIR"' EXIT
 failures=0
@@ -37,6 +39,10 @@ grep -q "parcel 5: outside the boundary, left out" "$DIR/out/report.txt" || fail
 awk '!/^#/ { n++; if ($3 < 52.15 || $3 > 52.16 || $4 < 5.38 || $4 > 5.39) bad++ }
      END { exit !(n == 28 && bad == 0) }' "$DIR/out/pieces_etrs89.txt" ||
     fail "ETRS89 listing"
+
+# The shipped project is exactly what the tool makes: the sample data can always be remade.
+"$VX" demo --make-project "$DIR/project.xml" && cmp -s "$DIR/project.xml" "$DATA/demo/project.xml" ||
+    fail "data/demo/project.xml differs from what vx demo --make-project writes"
 
 # A result that cannot be written: exit 1 and a message, never 0.
 "$VX" demo /dev/full/out >/dev/null 2>"$DIR/err"
