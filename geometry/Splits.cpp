@@ -84,17 +84,7 @@ void CVXCoordArr::CheckCoords() {
             continue;
         }
         // The stretch that ends at i falls away: a curve through it falls back to straight.
-        const int s = nStartDeel(i);
-        if (bBoog(s)) {
-            ZetCode(*this, s + 1, nSectieRecht);
-            ZetCode(*this, s + 2, nSectieRecht);
-        } else if (bCirkel()) {
-            for (int k = 1; k <= nCirkelLaatste; ++k)
-                ZetCode(*this, k, nSectieRecht);
-        } else if (bSpline(s) && nTelSplinePunten(s) <= nMinSplineStappen) {
-            ZetCode(*this, s + 1, nSectieRecht);
-            ZetCode(*this, s + 2, nSectieRecht);
-        }
+        MaakKrommeRecht(nStartDeel(i));
         RemoveAt(i == GetSize() - 1 ? i - 1 : i);
     }
 }
