@@ -17,14 +17,14 @@
 #include "platform/VXTypes.h"
 
 // foundation: strings, numbers and text, files and paths, dates
-#include "platform/FormatArgs.h"
 #include "foundation/NumberText.h"
 #include "foundation/VXFile.h"
 #include "foundation/VXODateTime.h"
-#include "platform/VXString.h"
+#include "foundation/VXVariant.h"
 #include "persist/VXStringArray.h"
 #include "persist/VXStringList.h"
-#include "foundation/VXVariant.h"
+#include "platform/FormatArgs.h"
+#include "platform/VXString.h"
 
 // persist: serialisable objects, collections, archives
 #include "persist/ArchiveB.h"
