@@ -12,6 +12,7 @@
 
 #include "LineFiles.h"
 #include "Svg.h"
+#include "convert/NumberFormat.h"
 
 #include "geodesy/Angles.h"
 #include "geodesy/Ellipsoid.h"
@@ -24,7 +25,6 @@
 #include "platform/File.h"
 #include "text/AsciiMeldingen.h"
 
-#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -177,10 +177,9 @@ void ClipParcel(const vx::CVXCoordArr &parcel, int nParcel, const vx::CVXCoordAr
                          u"parcel %d: outside the boundary, left out", nParcel);
 }
 
-std::string Fixed(double v, int precision) {
-    char buf[64];
-    const auto r = std::to_chars(buf, buf + sizeof buf, v, std::chars_format::fixed, precision);
-    return std::string(buf, r.ptr);
+std::string Fixed(double v, int decimals) {
+    char buf[convert::kMaxFixedChars];
+    return std::string(buf, convert::WriteFixed(buf, v, decimals));
 }
 
 // Every vertex of every piece in ETRS89: piece, vertex, latitude, longitude, height.
